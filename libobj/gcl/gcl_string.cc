@@ -1,0 +1,185 @@
+// Construction and editing. Searches are in gcl_string_search.cc.
+#include "miroxgcl/gcl_string.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+
+template class GCL_Handle<GCL_StringRep>;
+
+namespace {
+
+// The length of a NUL-terminated array, refused when no string could hold it.
+unsigned int length_of(char const* s) {
+  std::size_t const n = std::strlen(s);
+  if (n > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
+  return static_cast<unsigned int>(n);
+}
+
+// `n` bytes at `pos` cut at `length`. Never adds the two: the sum may wrap.
+unsigned int clamp(unsigned int n, unsigned int pos, unsigned int length) {
+  return std::min(n, length - pos);
+}
+
+// Whether `p` points into the text of `rep` or at its terminator's place. std::less orders
+// pointers that have nothing to do with each other.
+bool points_into(GCL_StringRep const& rep, char const* p) {
+  std::less<> const before;
+  return !before(p, rep.buffer()) && !before(rep.buffer() + rep.length(), p);
+}
+
+void copy_bytes(char* dest, char const* src, std::size_t n) {
+  if (n != 0) std::memcpy(dest, src, n);
+}
+
+}  // namespace
+
+GCL_String::GCL_String(GCL_String const& s, unsigned int n) {
+  if (n == npos) {
+    *this = s;
+  } else {
+    set_rep(new GCL_StringRep(n, 0, s.c_str()));
+  }
+}
+
+GCL_String::GCL_String(char const* s, unsigned int n) {
+  if (s == nullptr) s = "";
+  if (n == npos) n = length_of(s);
+  if (n != 0) set_rep(new GCL_StringRep(n, 0, s));
+}
+
+GCL_String::GCL_String(unsigned char const* s, unsigned int n)
+    : GCL_String(reinterpret_cast<char const*>(s), n) {}
+
+GCL_String::GCL_String(char c, unsigned int count) {
+  if (count == 0) return;
+  set_rep(new GCL_StringRep(count, 1, nullptr));
+  std::memset(body()->m_buffer, c, count);
+}
+
+GCL_String::GCL_String(unsigned char c, unsigned int count)
+    : GCL_String(static_cast<char>(c), count) {}
+
+unsigned int GCL_String::copy(char* dest, unsigned int n, unsigned int pos) const noexcept {
+  unsigned int const count = clamp(n, pos, length());
+  copy_bytes(dest, c_str() + pos, count);
+  return count;
+}
+
+GCL_String GCL_String::substr(unsigned int pos, unsigned int n) const {
+  unsigned int const count = clamp(n, pos, length());
+  return count == 0 ? GCL_String() : GCL_String(c_str() + pos, count);
+}
+
+GCL_String& GCL_String::assign(GCL_String const& s, unsigned int n) {
+  if (n == npos) n = s.length();
+  if (n == 0) {
+    set_rep(nullptr);
+  } else if (may_change_in_place(n)) {
+    std::memmove(body()->m_buffer, s.c_str(), n);
+    body()->m_length = n;
+  } else {
+    set_rep(new GCL_StringRep(n, 0, s.c_str()));
+  }
+  return *this;
+}
+
+GCL_String& GCL_String::assign(char c, unsigned int count) { return *this = GCL_String(c, count); }
+
+// A second handle on the body makes appending or inserting a string to itself build a new one.
+GCL_String& GCL_String::append(GCL_String const& s, unsigned int n) {
+  if (&s == this) return append(GCL_String(s), n);
+  if (n == npos) n = s.length();
+  return n == 0 ? *this : do_replace(length(), 0, s.c_str(), n);
+}
+
+GCL_String& GCL_String::append(char const* s, unsigned int n) {
+  if (s == nullptr) s = "";
+  if (n == npos) n = length_of(s);
+  return n == 0 ? *this : do_replace(length(), 0, s, n);
+}
+
+GCL_String& GCL_String::append(char c, unsigned int count) {
+  if (count == 1) return do_replace(length(), 0, &c, 1);
+  return append(GCL_String(c, count));
+}
+
+GCL_String& GCL_String::insert(unsigned int pos, GCL_String const& s, unsigned int n) {
+  if (&s == this) return insert(pos, GCL_String(s), n);
+  if (s.body() == nullptr) return *this;
+  return do_replace(pos, 0, s.c_str(), n == npos ? s.length() : n);
+}
+
+GCL_String& GCL_String::replace(unsigned int pos, unsigned int n, GCL_String const& s,
+                                unsigned int slen) {
+  if (slen == npos) slen = s.length();
+  n = clamp(n, pos, length());
+  return n == 0 && slen == 0 ? *this : do_replace(pos, n, s.c_str(), slen);
+}
+
+GCL_String& GCL_String::remove(unsigned int pos, unsigned int n) {
+  n = clamp(n, pos, length());
+  return n == 0 ? *this : do_replace(pos, n, "", 0);
+}
+
+GCL_String& GCL_String::get_remove(GCL_String& out, unsigned int pos, unsigned int n) {
+  n = clamp(n, pos, length());
+  out = substr(pos, n);
+  return &out == this ? *this : do_replace(pos, n, "", 0);
+}
+
+GCL_String& GCL_String::put_at(unsigned int pos, char c) {
+  if (pos == length()) return append(&c, 1);
+  if (body()->reference_count() > 1) reserve(length());
+  body()->m_buffer[pos] = c;
+  return *this;
+}
+
+GCL_String const& GCL_String::reserve(unsigned int n) const {
+  unsigned int const room = std::max(n, length());
+  take_body(room == 0 ? nullptr : new GCL_StringRep(length(), room, c_str()));
+  return *this;
+}
+
+// A sole holder may change the body, if `newlen` bytes and the terminator fit.
+bool GCL_String::may_change_in_place(unsigned int newlen) const noexcept {
+  GCL_StringRep const* const rep = body();
+  return rep != nullptr && rep->reference_count() <= 1 && newlen < rep->m_capacity;
+}
+
+// Puts `srclen` bytes from `src` in the place of the `n` bytes at `pos`; every edit comes here.
+// `src` may point into the text. REQUIRES: pos + n <= length().
+GCL_String& GCL_String::do_replace(unsigned int pos, unsigned int n, char const* src,
+                                   unsigned int srclen) {
+  unsigned int const length = this->length();
+  std::uint64_t const sum = std::uint64_t{length} - n + srclen;
+  if (sum > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
+  auto const newlen = static_cast<unsigned int>(sum);
+  if (newlen == 0) {
+    set_rep(nullptr);
+    return *this;
+  }
+
+  GCL_StringRep* const rep = body();
+  bool const own_text = rep != nullptr && points_into(*rep, src);
+  if (own_text && n == 0 && srclen == 0) return *this;
+
+  unsigned int const tail = length - pos - n;
+  if (may_change_in_place(newlen)) {
+    if (own_text) return replace(pos, n, GCL_String(src, srclen));
+    std::memmove(rep->m_buffer + pos + srclen, rep->m_buffer + pos + n, tail);
+    rep->m_length = newlen;
+    copy_bytes(rep->m_buffer + pos, src, srclen);
+    return *this;
+  }
+
+  // The old body lives until the new one is complete, so `src` may still point into it.
+  auto* const fresh = new GCL_StringRep(pos, newlen, rep != nullptr ? rep->m_buffer : nullptr);
+  if (rep != nullptr) {
+    copy_bytes(fresh->m_buffer + pos + srclen, rep->m_buffer + pos + n, tail);
+  }
+  copy_bytes(fresh->m_buffer + pos, src, srclen);
+  fresh->m_length = newlen;
+  return set_rep(fresh), *this;
+}

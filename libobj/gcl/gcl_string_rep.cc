@@ -1,0 +1,92 @@
+#include "miroxgcl/gcl_string_rep.h"
+
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "miroxplat/strutl.h"
+
+GCL_StringRep* GCL_StringRep::m_null_instance = nullptr;
+
+namespace {
+
+constexpr int to_lower_case = 1;  // the string utility's mode
+
+// The growth rule: the capacity of a buffer into which `n` bytes must fit, n > 0.
+unsigned int capacity_for(unsigned int n) {
+  unsigned int const grown = n <= 63 ? 2 * n : n <= 255 ? n + n / 2 : n + n / 4;
+  unsigned int const at_least = grown < 8 ? 8 : grown;
+  return at_least < n ? n : at_least;  // the sum wrapped
+}
+
+// One step of both hashes. Only the top bit comes round: it is not a rotation.
+unsigned int mix(unsigned int h, unsigned int word) { return ((h << 5) | (h >> 31)) ^ word; }
+
+unsigned int little_endian_word(char const* p) {
+  auto const* const b = reinterpret_cast<unsigned char const*>(p);
+  return b[0] | unsigned{b[1]} << 8 | unsigned{b[2]} << 16 | unsigned{b[3]} << 24;
+}
+
+}  // namespace
+
+// Refuses a length first: near 2^32 the room for its terminator would wrap to nothing.
+char* GCL_StringRep::allocate(unsigned int length, unsigned int reserve, unsigned int* capacity) {
+  if (length > max_length) refuse_length();
+  *capacity = capacity_for(reserve > length ? reserve : length + 1);
+  return new char[*capacity];
+}
+
+GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int reserve, char const* text)
+    : m_length(length), m_capacity(0), m_buffer(allocate(length, reserve, &m_capacity)) {
+  if (text != nullptr) std::memcpy(m_buffer, text, length);
+}
+
+GCL_StringRep::GCL_StringRep(char (&null_buffer)[null_capacity]) noexcept
+    : m_length(0), m_capacity(null_capacity), m_buffer(null_buffer) {}
+
+GCL_StringRep::~GCL_StringRep() { delete[] m_buffer; }
+
+bool GCL_StringRep::is_null() const { return m_length == 0; }
+
+bool GCL_StringRep::operator==(GCL_Body const* other) const {
+  if (other == nullptr) return m_length == 0;
+  auto const& rep = static_cast<GCL_StringRep const&>(*other);
+  return m_length == rep.m_length && std::memcmp(m_buffer, rep.m_buffer, m_length) == 0;
+}
+
+unsigned int GCL_StringRep::hash() const {
+  unsigned int h = m_length;
+  char const* p = m_buffer;
+  char const* const end = m_buffer + m_length;
+  for (; end - p >= 4; p += 4) h = mix(h, little_endian_word(p));
+  if (p == end) return h;
+  unsigned int tail = 0;
+  for (; p != end; ++p) {
+    int const sign_extended = static_cast<signed char>(*p);
+    tail = (tail << 9) | static_cast<unsigned int>(sign_extended);
+  }
+  return mix(h, tail);
+}
+
+unsigned int GCL_StringRep::hash_fold_case() const {
+  if (m_length == 0) return 0;
+  auto const folded = std::make_unique<char[]>(m_length + 1u);
+  m_buffer[m_length] = '\0';
+  strutl_cvt_case_string(m_buffer, to_lower_case, m_length + 1, folded.get());
+  unsigned int h = m_length;
+  for (unsigned int i = 0; i < m_length && folded[i] != '\0'; ++i) {
+    h = mix(h, static_cast<unsigned char>(folded[i]));
+  }
+  return h;
+}
+
+// Static memory that nothing destroys: strings of other static objects may share the body for as
+// long as the process lives.
+void GCL_StringRep::build_null_instance() noexcept {
+  alignas(GCL_StringRep) static unsigned char place[sizeof(GCL_StringRep)];
+  static char buffer[null_capacity];
+  m_null_instance = new (place) GCL_StringRep(buffer);
+  m_null_instance->reference();
+}
+
+void GCL_StringRep::refuse_length() { throw std::bad_array_new_length(); }

@@ -1,0 +1,95 @@
+// Search and comparison. The string utility matches whole characters; positions stay here.
+#include <algorithm>
+#include <cstring>
+
+#include "miroxgcl/gcl_string.h"
+#include "miroxplat/strutl.h"
+
+namespace {
+
+// The length of the character at `p`, at least 1; `n` bytes are left of its text.
+unsigned int step_at(char const* p, unsigned int n) { return std::max(1u, strutl_mblen(p, n)); }
+
+// The string utility's answer, or npos.
+unsigned int find_text(char const* text, unsigned int pos, char const* pattern) {
+  unsigned int index = 0;
+  return strutl_find_str(text, pos, pattern, &index) != 0 ? index : GCL_String::npos;
+}
+
+// The last match not after `last`: `find_from(p)` answers the first match at or after p. It goes
+// forward from one match to the next, so that it never lands inside a character.
+template <class FindFrom>
+unsigned int find_backward(GCL_String const& s, unsigned int last, FindFrom find_from) {
+  char const* const text = s.c_str();
+  unsigned int const length = s.length();
+  unsigned int found = GCL_String::npos;
+  for (unsigned int from = 0; from < length;) {
+    unsigned int const i = find_from(from);
+    if (i == GCL_String::npos || i > last) break;
+    found = i;
+    from = i + step_at(text + i, length - i);
+  }
+  return found;
+}
+
+// The first byte not after `last` that a backward search over a set may answer, or npos.
+unsigned int clamp_last(unsigned int last, unsigned int length) {
+  if (length == 0) return GCL_String::npos;
+  if (last == GCL_String::npos) return length - 1;
+  return last < length ? last : GCL_String::npos;
+}
+
+}  // namespace
+
+unsigned int GCL_String::find(GCL_String const& s, unsigned int pos) const {
+  if (pos >= length() || s.length() > length() - pos) return npos;
+  if (s.length() == 0) return pos;
+  return find_text(c_str(), pos, s.c_str());
+}
+
+unsigned int GCL_String::rfind(GCL_String const& s, unsigned int last) const {
+  if (length() == 0) return npos;
+  if (s.length() == 0) return last;
+  char const* const text = c_str();
+  char const* const pattern = s.c_str();
+  return find_backward(*this, last,
+                       [=](unsigned int from) { return find_text(text, from, pattern); });
+}
+
+unsigned int GCL_String::find_first_of(GCL_String const& set, unsigned int pos) const {
+  if (pos >= length()) return npos;
+  unsigned int index = 0;
+  unsigned int index_in_set = 0;
+  bool const found = strutl_find_char_from(c_str(), pos, set.c_str(), &index, &index_in_set) != 0;
+  return found ? index : npos;
+}
+
+unsigned int GCL_String::find_last_of(GCL_String const& set, unsigned int last) const {
+  last = clamp_last(last, length());
+  if (last == npos) return npos;
+  return find_backward(*this, last, [&](unsigned int from) { return find_first_of(set, from); });
+}
+
+unsigned int GCL_String::find_first_not_of(GCL_String const& set, unsigned int pos) const {
+  char const* const text = c_str();
+  unsigned int const end = length();
+  for (; pos < end; pos += step_at(text + pos, end - pos)) {
+    if (std::memchr(set.c_str(), text[pos], set.length()) == nullptr) return pos;
+  }
+  return npos;
+}
+
+unsigned int GCL_String::find_last_not_of(GCL_String const& set, unsigned int last) const {
+  last = clamp_last(last, length());
+  if (last == npos) return npos;
+  return find_backward(*this, last,
+                       [&](unsigned int from) { return find_first_not_of(set, from); });
+}
+
+int GCL_String::compare(GCL_String const& s) const noexcept {
+  unsigned int const a = length();
+  unsigned int const b = s.length();
+  int const order = std::memcmp(c_str(), s.c_str(), std::min(a, b));
+  if (order != 0) return order < 0 ? -1 : 1;
+  return a == b ? 0 : a < b ? -1 : 1;
+}

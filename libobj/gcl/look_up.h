@@ -1,0 +1,26 @@
+// How the system-identity service's answers become statuses.
+#ifndef MIROXGCL_LOOK_UP_H
+#define MIROXGCL_LOOK_UP_H
+
+#include "miroxgcl/gcl_status.h"
+
+// Sets the status from the code of a look-up by name.
+inline void set_from_look_up(GCL_Status& status, int code) {
+  constexpr int service_knows_no_such_name = 2;
+  if (code == 0) {
+    status.set_ok();
+  } else {
+    status.set(code == service_knows_no_such_name ? GCL_Status::no_such_name
+                                                  : GCL_Status::general_failure);
+  }
+}
+
+// Sets the status from a text that a look-up answers, null when it failed, and copies the text: it
+// belongs to the service.
+inline GCL_String text_from_look_up(GCL_Status& status, char const* text) {
+  GCL_String copy(text);
+  status.set(text != nullptr ? 0 : GCL_Status::general_failure);
+  return copy;
+}
+
+#endif

@@ -1,0 +1,120 @@
+// DRL_ListBase<T>: a list of handles with value semantics, and the iterator over it.
+//
+// T is a handle class with no field beyond GCL_HandleBase's. All such lists share one collection
+// class: items are stored as GCL_HandleBase and used as T in place. A copy of a list shares the
+// bodies of its items, not its slots; items compare as handles do.
+#ifndef MIROXGCL_DRL_LIST_BASE_H
+#define MIROXGCL_DRL_LIST_BASE_H
+
+#include <memory>
+#include <utility>
+
+#include "miroxgcl/gcl_handle_base.h"
+#include "miroxgcl/lx_dynamic.h"
+
+extern template class LX_TCollection<GCL_HandleBase>;
+extern template class LX_TCollectionActiveIterator<GCL_HandleBase>;
+extern template class LX_TDynamic<GCL_HandleBase, LX_CUnmanaged>;
+extern template class LX_TDynamicCollection<GCL_HandleBase, LX_CUnmanaged>;
+
+// Conventions, costs and preconditions are those of LX_TDynamic. A list that was moved from is
+// empty and makes itself a new collection when it is next used.
+template <class T>
+class MIROXGCL_API DRL_ListBase {
+ public:
+  using Collection = LX_TDynamicCollection<GCL_HandleBase, LX_CUnmanaged>;
+
+  // An empty list that grows by `chunk_size` items; 0, and the default, grow as if by 32.
+  DRL_ListBase() : DRL_ListBase(0) {}
+  explicit DRL_ListBase(int chunk_size)
+      : m_collection(new Collection(static_cast<unsigned int>(chunk_size))) {}
+  // Take the other's chunk size and items.
+  DRL_ListBase(DRL_ListBase const& other) : m_collection(new Collection(other.Items())) {}
+  DRL_ListBase(DRL_ListBase&& other) noexcept = default;
+  DRL_ListBase& operator=(DRL_ListBase const& other) {
+    if (&other != this) m_collection.reset(new Collection(other.Items()));
+    return *this;
+  }
+  DRL_ListBase& operator=(DRL_ListBase&& other) noexcept = default;
+  ~DRL_ListBase() = default;
+
+  int operator==(DRL_ListBase const& other) const {
+    LX_TCollection<GCL_HandleBase> const& items = Items();
+    return items == static_cast<LX_TCollection<GCL_HandleBase> const&>(other.Items());
+  }
+  int operator!=(DRL_ListBase const& other) const { return !(*this == other); }
+
+  // REQUIRES: i < Length().
+  T const& operator[](unsigned int i) const { return AsT(Items()[i]); }
+  T& operator[](unsigned int i) { return AsT(Items()[i]); }
+  T const& ItemAt(unsigned int i) const { return AsT(Items()[i]); }
+
+  // REQUIRES: Length() > 0.
+  T const& First() const { return AsT(Items().First()); }
+  T& First() { return AsT(Items().First()); }
+  T const& Last() const { return AsT(Items().Last()); }
+  T& Last() { return AsT(Items().Last()); }
+
+  void Insert(T const& item) { Items().Insert(item); }
+  void Insert(T const& item, unsigned int i) { Items().Insert(item, i); }
+  void Append(T const& item) { Items().Append(item); }
+  void Append(T const& item, unsigned int i) { Items().Append(item, i); }
+  void Add(T const& item) { Items().Append(item); }
+  void Remove(unsigned int i) { Items().Remove(i); }
+  void Replace(unsigned int i, T const& item) { Items().Replace(i, item); }
+  void Clear() { Items().Clear(); }
+  void Purge() { Items().Clear(); }
+
+  unsigned int Length() const { return Items().Length(); }
+  unsigned int Cardinality() const { return Items().Length(); }
+  int IsEmpty() const { return Items().IsEmpty(); }
+  int Location(T const& item) const { return Items().Location(item); }
+
+  void SetChunkSize(unsigned int c) { Items().SetChunkSize(c); }
+  void Preallocate(unsigned int n) { Items().Preallocate(n); }
+  unsigned int ChunkSize() const { return Items().ChunkSize(); }
+
+ private:
+  static_assert(sizeof(T) == sizeof(GCL_HandleBase), "a handle with no field of its own");
+
+  Collection& Items() const {
+    if (m_collection == nullptr) m_collection.reset(new Collection);
+    return *m_collection;
+  }
+  static T& AsT(GCL_HandleBase& item) { return static_cast<T&>(item); }
+
+  mutable std::unique_ptr<Collection> m_collection;  // null only after a move
+};
+
+// Walks a list, asking it anew at every call. A plain value; the list must outlive it.
+template <class T>
+class MIROXGCL_API DRL_ListBaseActiveIterator {
+ public:
+  explicit DRL_ListBaseActiveIterator(DRL_ListBase<T> const& list) : m_list(list) { Reset(); }
+
+  void Reset() { m_index = m_list.Length() != 0 ? 0 : -1; }
+
+  int IsDone() const {
+    return m_index < 0 || static_cast<unsigned int>(m_index) >= m_list.Length();
+  }
+
+  // Moves on; 1 when there is a current item then.
+  int Next() {
+    ++m_index;
+    return !IsDone();
+  }
+
+  // The current item, null when done.
+  T const* CurrentItem() const {
+    return IsDone() ? nullptr : &m_list[static_cast<unsigned int>(m_index)];
+  }
+  T* CurrentItem() {
+    return const_cast<T*>(static_cast<DRL_ListBaseActiveIterator const&>(*this).CurrentItem());
+  }
+
+ private:
+  DRL_ListBase<T> const& m_list;
+  int m_index;  // -1: the list was empty at the start
+};
+
+#endif

@@ -1,0 +1,31 @@
+// GCL_ErrMsgStack: the stack of messages that a status holds, the most recent on top.
+#ifndef MIROXGCL_GCL_ERR_MSG_STACK_H
+#define MIROXGCL_GCL_ERR_MSG_STACK_H
+
+#include "miroxgcl/gcl_string.h"
+#include "miroxgcl/lx_stack.h"
+
+extern template class LX_TNode<GCL_String, LX_CUnmanaged>;
+extern template class LX_TUnbounded<GCL_String, LX_CUnmanaged>;
+extern template class LX_TStack<GCL_String>;
+extern template class LX_TUnboundedStack<GCL_String, LX_CUnmanaged>;
+extern template class LX_TStackActiveIterator<GCL_String>;
+
+// LX_TUnboundedStack's operations, under the library's own name.
+class MIROXGCL_API GCL_ErrMsgStack : public LX_TUnboundedStack<GCL_String, LX_CUnmanaged> {
+ public:
+  using Base = LX_TUnboundedStack<GCL_String, LX_CUnmanaged>;
+
+  GCL_ErrMsgStack();
+  GCL_ErrMsgStack(GCL_ErrMsgStack const& other);
+  GCL_ErrMsgStack(GCL_ErrMsgStack&& other) noexcept = default;
+  ~GCL_ErrMsgStack() override;
+
+  // Each takes the other's messages in their order.
+  GCL_ErrMsgStack& operator=(LX_TStack<GCL_String> const& other) override;
+  GCL_ErrMsgStack& operator=(Base const& other) override;
+  virtual GCL_ErrMsgStack& operator=(GCL_ErrMsgStack const& other);
+  GCL_ErrMsgStack& operator=(GCL_ErrMsgStack&& other) noexcept = default;
+};
+
+#endif

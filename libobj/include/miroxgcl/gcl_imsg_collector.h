@@ -1,0 +1,55 @@
+// GCL_ImsgCollector: while it exists, information, warnings and errors of the message service are
+// collected here, with a record of which of them occurred.
+#ifndef MIROXGCL_GCL_IMSG_COLLECTOR_H
+#define MIROXGCL_GCL_IMSG_COLLECTOR_H
+
+#include "miroxgcl/gcl_string_list.h"
+#include "miroxplat/imsg.h"
+
+// Messages of other kinds go where they went before. GCL_ImsgRedirect is disabled meanwhile, so
+// that what an operation's services print arrives here and not in its status; a direct
+// GCL_Status::grab_imsg_out still grabs. Collectors and grabs end in the reverse order of their
+// start.
+//
+// A severity is 0 for information, 4 for a warning, 6 for an error; a derived class may use 0
+// to 10. Others are not recorded.
+class MIROXGCL_API GCL_ImsgCollector {
+ public:
+  GCL_ImsgCollector();
+  GCL_ImsgCollector(GCL_ImsgCollector const&) = delete;
+  GCL_ImsgCollector& operator=(GCL_ImsgCollector const&) = delete;
+
+  // Puts everything back as it was found. When "IMSG_LOST_OUTPUT" was not empty as the first
+  // collector of the process ended, writes the messages still held to standard output, after a
+  // notice.
+  virtual ~GCL_ImsgCollector();
+
+  virtual bool has_messages() const;
+
+  // Replaces the content of `list` by the messages, the most recent first.
+  virtual void messages(GCL_StringList& list) const;
+
+  // Forgets all messages and severities.
+  virtual void clear_messages();
+
+  // Puts `message` before the others and records its severity.
+  virtual void add_message(GCL_String const& message, int severity);
+
+  // Whether a message of that severity was added since the last clear_messages().
+  virtual bool has_message(int severity);
+
+  // Calls add_message.
+  virtual void handle_message(GCL_String const& message, int severity);
+
+ private:
+  static constexpr int severity_count = 11;
+
+  GCL_StringList m_messages;                          // the most recent first
+  imsg_redirect_proc m_procs[IMSG_PROC_COUNT];        // the table installed here
+  imsg_redirect_proc m_saved_procs[IMSG_PROC_COUNT];  // the table found
+  void* m_saved_proc_arg;                             // and its context
+  bool m_redirect_was_enabled;
+  bool m_has_severity[severity_count];
+};
+
+#endif

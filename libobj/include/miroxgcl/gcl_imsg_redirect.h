@@ -1,0 +1,33 @@
+// GCL_ImsgRedirect: for a scope, what the message service prints goes to a status.
+//
+//   {
+//     GCL_ImsgRedirect const redirect(status);
+//     code = some_service(...);              // its messages are pushed onto the status
+//   }                                        // and are displayed again
+//   status.set(code);
+#ifndef MIROXGCL_GCL_IMSG_REDIRECT_H
+#define MIROXGCL_GCL_IMSG_REDIRECT_H
+
+#include "miroxgcl/gcl_status.h"
+
+// Remembers the status and nothing else: each end of the scope asks anew whether redirection is
+// disabled, as it is while a GCL_ImsgCollector exists, and then does nothing. The status must
+// outlive the scope; scopes end in the reverse order of their start.
+class MIROXGCL_API GCL_ImsgRedirect {
+ public:
+  explicit GCL_ImsgRedirect(GCL_Status& status);
+  GCL_ImsgRedirect(GCL_ImsgRedirect const&) = delete;
+  GCL_ImsgRedirect& operator=(GCL_ImsgRedirect const&) = delete;
+  ~GCL_ImsgRedirect();
+
+  // For the whole process.
+  static void disable_redirection() noexcept { m_no_redirect = true; }
+  static void enable_redirection() noexcept { m_no_redirect = false; }
+
+  static bool m_no_redirect;  // true while redirection is disabled
+
+ private:
+  GCL_Status& m_status;
+};
+
+#endif

@@ -1,0 +1,106 @@
+// GCL_Status: the value that every operation which can fail reports into: a code, 0 for success,
+// and the messages that explain a failure.
+//
+//   GCL_Status status;
+//   credutl_sid_s const sid = GCL_OSUser(status, "nobody-here").sid(status);
+//   if (!status.is_ok()) std::cerr << status.value() << ": " << status.error_message().c_str();
+//
+// The convention: an operation that can fail takes a GCL_Status& as its first parameter. On success
+// it sets code 0, which discards the messages held so far; on failure it sets another code and
+// keeps them, so that a caller who passes one status through several operations looks at it after
+// each. 1001 is the library's general failure, 1002 a user or group that does not exist.
+#ifndef MIROXGCL_GCL_STATUS_H
+#define MIROXGCL_GCL_STATUS_H
+
+#include <memory>
+
+#include "miroxgcl/gcl_err_msg_stack.h"
+#include "miroxgcl/gcl_string.h"
+#include "miroxplat/imsg.h"
+
+// Copies are deep and never include a grab; a status without messages owns no memory. When memory
+// for a message cannot be had, std::bad_alloc comes through. For one thread at a time; a grab acts
+// on the message service's table for the whole process.
+class MIROXGCL_API GCL_Status {
+ public:
+  // The codes that the library sets; an operation may also pass on a service's own.
+  static constexpr int general_failure = 1001;
+  static constexpr int no_such_name = 1002;  // there is no such user or group
+
+  // Code 0, no messages.
+  GCL_Status() noexcept = default;
+  GCL_Status(GCL_Status const& other);
+  // Takes the messages; `other` is ok and empty afterwards.
+  GCL_Status(GCL_Status&& other) noexcept;
+  // Ends a grab that is still open.
+  ~GCL_Status();
+
+  // Keeps the grab that may be open on this status. When the messages cannot be copied, this status
+  // has the other's code and no message.
+  GCL_Status& operator=(GCL_Status const& other);
+  GCL_Status& operator=(GCL_Status&& other) noexcept;
+
+  bool is_ok() const noexcept { return m_value == 0; }
+  int value() const noexcept { return m_value; }
+  int peek() const noexcept { return m_value; }  // the same as value()
+
+  // Says that the caller has looked; no effect.
+  void must_check() const noexcept {}
+
+  // Sets the code. 0 discards the messages, any other code keeps them.
+  void set(int value) {
+    if (value == 0) discard_messages();
+    m_value = value;
+  }
+  // Sets the code and discards the messages.
+  void reset(int value) {
+    discard_messages();
+    m_value = value;
+  }
+  void set_ok() { reset(0); }
+
+  // The messages, the most recent on top; null when there is none. The status owns them: the
+  // pointer stands until they are discarded or the status is assigned to.
+  GCL_ErrMsgStack* get_message_stack() noexcept { return m_message_stack.get(); }
+
+  // Puts a message on top. The code stays.
+  void add_message(GCL_String const& message);
+
+  // All messages joined as they are, the oldest first. Linear in their total length.
+  GCL_String error_message() const;
+
+  // From grab to release, everything the message service prints is added here instead of being
+  // displayed. Grabs nest; those of several statuses must end in the reverse order of their start.
+  // GCL_ImsgRedirect does both for a scope.
+  void grab_imsg_out();
+  void release_imsg_out();
+
+  // Receives a message for the status `context`. With "GCL_STATUS_IMSG_COPY" set to "true" or
+  // "TRUE", also writes it to standard output.
+  static void handle_imsg_out(void* context, char* text);
+
+ private:
+  void discard_messages() noexcept { m_message_stack.reset(); }
+  void restore_redirect_procs() noexcept;
+
+  int m_value = 0;
+  std::unique_ptr<GCL_ErrMsgStack> m_message_stack;   // null without messages
+  int m_grab_count = 0;                               // grabs open on this status
+  imsg_redirect_proc m_saved_procs[IMSG_PROC_COUNT];  // the table found by the first, while any is
+  void* m_saved_proc_arg = nullptr;                   // and its context
+};
+
+// Compare codes; messages do not matter.
+inline bool operator==(GCL_Status const& a, GCL_Status const& b) noexcept {
+  return a.value() == b.value();
+}
+inline bool operator==(GCL_Status const& status, int value) noexcept {
+  return status.value() == value;
+}
+inline bool operator==(int value, GCL_Status const& status) noexcept {
+  return status.value() == value;
+}
+
+static_assert(sizeof(void*) != 4 || sizeof(GCL_Status) == 60, "the layout on 32 bit");
+
+#endif

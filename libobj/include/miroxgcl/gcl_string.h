@@ -1,0 +1,151 @@
+// GCL_String: the library's string, a run of bytes that is copied by sharing and written by
+// copying.
+//
+//   GCL_String a("one");        // a body of its own, count 1
+//   GCL_String b(a);            // shares it, count 2: no byte was copied
+//   b.append("two");            // b takes a body of its own first; a is still "one"
+//   b.append('!');              // b is the only holder and has room: written in place
+//
+// Lengths and positions count bytes; NUL is a byte like any other, except where an operation takes
+// a NUL-terminated array. Searches step over whole UTF-8 characters.
+#ifndef MIROXGCL_GCL_STRING_H
+#define MIROXGCL_GCL_STRING_H
+
+#include "miroxgcl/gcl_handle.h"
+#include "miroxgcl/gcl_string_rep.h"
+
+extern template class MIROXGCL_API GCL_Handle<GCL_StringRep>;
+
+// The empty text may be held as no body, as the body that all default-constructed strings share,
+// or as a body of length 0; every operation treats the three alike.
+//
+// A body is changed in place only while one handle holds it; an edit that finds it shared or too
+// small builds the new body completely, then moves this handle to it. So no other string sees a
+// change, and a string keeps its value when memory cannot be had: such an edit throws
+// std::bad_alloc (or std::bad_array_new_length when the result would be longer than npos - 1
+// bytes).
+//
+// An argument may be the string itself or point into its text; it is used as if copied first.
+//
+// For one thread at a time, together with all strings that share the body: even constant operations
+// write the terminating NUL behind the text.
+class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
+ public:
+  // As a count: all of the source. As the result of a search: nothing found.
+  static constexpr unsigned int npos = 0x7FFFFFFFu;
+
+  // The empty string. Allocates nothing.
+  GCL_String() noexcept : GCL_Handle(GCL_StringRep::null_instance()) {}
+  GCL_String(GCL_String const&) noexcept = default;
+  GCL_String(GCL_String&&) noexcept = default;
+  // The first `n` bytes of `s`; shares the body of `s` when `n` is npos. REQUIRES: n is npos or
+  // at most s.length().
+  GCL_String(GCL_String const& s, unsigned int n);
+  // The first `n` bytes of the array `s`, up to its first NUL when `n` is npos. Null counts as "".
+  GCL_String(char const* s, unsigned int n = npos);           // NOLINT(google-explicit-constructor)
+  GCL_String(unsigned char const* s, unsigned int n = npos);  // NOLINT(google-explicit-constructor)
+  // `count` times the byte `c`; npos is a count like any other, and too large.
+  explicit GCL_String(char c, unsigned int count = 1);
+  explicit GCL_String(unsigned char c, unsigned int count = 1);
+  ~GCL_String() = default;
+
+  // Shares the other's body: constant time, never throws.
+  GCL_String& operator=(GCL_String const&) noexcept = default;
+  GCL_String& operator=(GCL_String&&) noexcept = default;
+  using GCL_Handle<GCL_StringRep>::operator=;
+
+  // --- Access. Pointers stand until this string is next changed or released.
+
+  // The number of bytes.
+  unsigned int length() const noexcept { return body() != nullptr ? body()->m_length : 0; }
+
+  // The text, ended with a NUL. Bytes behind a NUL within the text are there, but not for strlen.
+  char const* c_str() const noexcept {
+    GCL_StringRep const* const rep = body();
+    if (rep == nullptr) return "";
+    rep->m_buffer[rep->m_length] = '\0';
+    return rep->m_buffer;
+  }
+  char const* get_str() const noexcept { return c_str(); }
+
+  // The byte at `pos`; NUL at the end of a string with a body. REQUIRES: pos < length().
+  char get_at(unsigned int pos) const noexcept { return c_str()[pos]; }
+
+  // Copies at most `n` bytes from `pos` on to `dest`, without a terminator, and returns how many.
+  // REQUIRES: pos <= length().
+  unsigned int copy(char* dest, unsigned int n = npos, unsigned int pos = 0) const noexcept;
+
+  // At most `n` bytes from `pos` on, as a string of its own. REQUIRES: pos <= length().
+  GCL_String substr(unsigned int pos, unsigned int n = npos) const;
+
+  // --- Editing. Each returns the string. Positions must not exceed length(); counts that reach
+  // beyond the end of this string mean up to its end; those of a source must not exceed it.
+
+  // Copies the first `n` bytes of `s`, in place when the body is unshared and has room. Unlike
+  // operator=, never shares.
+  GCL_String& assign(GCL_String const& s, unsigned int n = npos);
+  GCL_String& assign(char c, unsigned int count = 1);
+
+  GCL_String& append(GCL_String const& s, unsigned int n = npos);
+  GCL_String& append(char const* s, unsigned int n = npos);
+  GCL_String& append(char c, unsigned int count = 1);
+
+  // Puts the first `n` bytes of `s` before the byte at `pos`.
+  GCL_String& insert(unsigned int pos, GCL_String const& s, unsigned int n = npos);
+
+  // Puts the first `slen` bytes of `s` in the place of the `n` bytes at `pos`.
+  GCL_String& replace(unsigned int pos, unsigned int n, GCL_String const& s,
+                      unsigned int slen = npos);
+
+  // Takes `n` bytes at `pos` out. Nothing left: no body.
+  GCL_String& remove(unsigned int pos, unsigned int n = npos);
+
+  // The same, and hands them to `out`. When `out` is this string, it ends as the piece.
+  GCL_String& get_remove(GCL_String& out, unsigned int pos, unsigned int n = npos);
+
+  // Sets the byte at `pos`; at the end, appends it.
+  GCL_String& put_at(unsigned int pos, char c);
+
+  // Moves the text to a new, unshared body with room for `n` bytes by the growth rule, in every
+  // case; with `n` 0 and no text, to no body. The value stays.
+  GCL_String const& reserve(unsigned int n) const;
+
+  // --- Search. The answer is a byte position, or npos. The text and what is sought are seen up to
+  // their first NUL.
+
+  // The first place at or after `pos` where `s` stands. An empty `s` stands at every byte.
+  unsigned int find(GCL_String const& s, unsigned int pos = 0) const;
+  // The last place not after `last` where `s` stands, overlapping ones included. For an empty `s`
+  // in a text: `last` itself. Linear in the text up to `last`.
+  unsigned int rfind(GCL_String const& s, unsigned int last = npos) const;
+  // The first character at or after `pos` that is, or whose first byte is not, among those of
+  // `set`; the second looks at all bytes of both, NUL too.
+  unsigned int find_first_of(GCL_String const& set, unsigned int pos = 0) const;
+  unsigned int find_first_not_of(GCL_String const& set, unsigned int pos = 0) const;
+  // The last such character not after `last`; npos stands for the last byte. Linear in the text.
+  unsigned int find_last_of(GCL_String const& set, unsigned int last = npos) const;
+  unsigned int find_last_not_of(GCL_String const& set, unsigned int last = npos) const;
+
+  // -1, 0 or 1 as this text comes before, equals or comes after `s`, byte by byte, each 0 to 255;
+  // a text comes before any longer one that begins with it.
+  int compare(GCL_String const& s) const noexcept;
+
+  // --- Hashes of the text; 0 for the empty one. See GCL_StringRep.
+  unsigned int hash() const { return body() != nullptr ? body()->hash() : 0; }
+  unsigned int hash_fold_case() const { return body() != nullptr ? body()->hash_fold_case() : 0; }
+
+ private:
+  GCL_String& do_replace(unsigned int pos, unsigned int n, char const* src, unsigned int srclen);
+  bool may_change_in_place(unsigned int newlen) const noexcept;
+};
+
+inline bool operator==(GCL_String const& a, GCL_String const& b) noexcept {
+  return a.compare(b) == 0;
+}
+inline bool operator!=(GCL_String const& a, GCL_String const& b) noexcept {
+  return a.compare(b) != 0;
+}
+
+static_assert(sizeof(GCL_String) == sizeof(void*), "a string is one pointer");
+
+#endif

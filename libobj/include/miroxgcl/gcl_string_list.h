@@ -1,0 +1,22 @@
+// GCL_StringList: the library's list of strings, the type in which messages are handed out.
+#ifndef MIROXGCL_GCL_STRING_LIST_H
+#define MIROXGCL_GCL_STRING_LIST_H
+
+#include "miroxgcl/drl_list_base.h"
+#include "miroxgcl/gcl_string.h"
+
+extern template class DRL_ListBase<GCL_String>;
+extern template class DRL_ListBaseActiveIterator<GCL_String>;
+
+// All operations are DRL_ListBase's.
+class MIROXGCL_API GCL_StringList : public DRL_ListBase<GCL_String> {
+ public:
+  // An empty list that grows by `chunk_size` strings. The library's own lists use 32 and 4.
+  explicit GCL_StringList(int chunk_size) : DRL_ListBase<GCL_String>(chunk_size) {}
+
+  // An empty list for all to share; nothing is ever put in it. It exists while the library is
+  // loaded.
+  static GCL_StringList nil;
+};
+
+#endif

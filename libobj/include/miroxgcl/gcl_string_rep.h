@@ -1,0 +1,69 @@
+// GCL_StringRep: the body that strings share, a counted byte buffer with a length and a capacity.
+//
+// Strings decide when a body may change; the body decides how much room a buffer gets.
+#ifndef MIROXGCL_GCL_STRING_REP_H
+#define MIROXGCL_GCL_STRING_REP_H
+
+#include "miroxgcl/gcl_body.h"
+
+// Invariants:
+//   1. m_length < m_capacity, so the byte after the text exists; the body does not keep it NUL.
+//   2. m_capacity never changes: a body that is too small is replaced, not enlarged.
+//   3. m_length changes only while one handle holds the body.
+class MIROXGCL_API GCL_StringRep final : public GCL_Body {
+ public:
+  // The greatest length of a text in bytes: one less than GCL_String::npos.
+  static constexpr unsigned int max_length = 0x7FFFFFFEu;
+
+  // A body of `length` bytes with room for `reserve` bytes, or for the text and its terminator,
+  // whichever is more, rounded up by the growth rule. Copies `length` bytes from `text`; when
+  // `text` is null they are left for the caller to fill. The count is 0.
+  // Throws std::bad_alloc, or its kin std::bad_array_new_length when length > max_length.
+  GCL_StringRep(unsigned int length, unsigned int reserve, char const* text);
+  ~GCL_StringRep() override;
+
+  bool is_null() const override;  // length() == 0
+
+  // Whether both texts are the same bytes; null equals an empty text.
+  bool operator==(GCL_Body const* other) const override;
+
+  unsigned int length() const { return m_length; }
+  unsigned int capacity() const { return m_capacity; }
+  char const* buffer() const { return m_buffer; }
+
+  // A hash of the bytes, four a step, the same on every machine.
+  unsigned int hash() const;
+
+  // A hash that texts differing only in the case of letters share; it ends at the first NUL.
+  // Allocates a scratch copy of the text; throws std::bad_alloc.
+  unsigned int hash_fold_case() const;
+
+  // The empty body that default-constructed strings share. It is never freed and never changed;
+  // the first call builds it, in memory of the library's own. Does not touch its count.
+  static GCL_StringRep* null_instance() noexcept {
+    if (m_null_instance == nullptr) build_null_instance();
+    return m_null_instance;
+  }
+
+  // Throws what an edit throws whose result would be longer than max_length.
+  [[noreturn]] static void refuse_length();
+
+ private:
+  friend class GCL_String;
+
+  static constexpr unsigned int null_capacity = 8;
+  static char* allocate(unsigned int length, unsigned int reserve, unsigned int* capacity);
+  static void build_null_instance() noexcept;
+  explicit GCL_StringRep(char (&null_buffer)[null_capacity]) noexcept;
+
+  unsigned int m_length;
+  unsigned int m_capacity;
+  char* m_buffer;  // m_capacity bytes: the text, the terminator's place, room
+
+  static GCL_StringRep* m_null_instance;
+};
+
+static_assert(sizeof(unsigned int) == 4, "lengths and capacities are 32 bits wide");
+static_assert(sizeof(void*) != 4 || sizeof(GCL_StringRep) == 20, "the layout on 32 bit");
+
+#endif

@@ -1,0 +1,149 @@
+// LX_TCollection<T>: the interface of every indexed, ordered collection, and the iterator over it.
+//
+// Indices count from 0 and are unsigned; truth values are int, 1 and 0. Items are held by value; a
+// reference that a collection hands out stands until the next operation that changes it.
+//
+//   for (LX_TCollectionActiveIterator<int> i(numbers); !i.IsDone(); i.Next())
+//   use(*i.CurrentItem());
+#ifndef MIROXGCL_LX_COLLECTION_H
+#define MIROXGCL_LX_COLLECTION_H
+
+#include "miroxgcl/gcl_config.h"
+
+// T supplies default construction, copying, assignment and operator==.
+template <class T>
+class MIROXGCL_API LX_TCollection {
+ public:
+  LX_TCollection() = default;
+  LX_TCollection(LX_TCollection const&) = default;
+  virtual ~LX_TCollection() = default;
+
+  // Gives this collection the items of `other`, whatever its class, in order. When copying an item
+  // throws, this collection is left empty.
+  virtual LX_TCollection& operator=(LX_TCollection const& other);
+
+  // 1 when both hold the same number of items, equal in order.
+  virtual int operator==(LX_TCollection const& other) const;
+  int operator!=(LX_TCollection const& other) const { return !(*this == other); }
+
+  virtual T const& operator[](unsigned int i) const = 0;
+  virtual T& operator[](unsigned int i) = 0;
+
+  virtual void Clear() = 0;                                // removes every item; so does Purge()
+  virtual void Insert(T const& item) = 0;                  // before the first item
+  virtual void Insert(T const& item, unsigned int i) = 0;  // before the item at `i`
+  virtual void Append(T const& item) = 0;                  // after the last item; so does Add()
+  virtual void Append(T const& item, unsigned int i) = 0;  // after the item at `i`
+  virtual void Remove(unsigned int i) = 0;
+  virtual void Replace(unsigned int i, T const& item) = 0;  // assigns to the item at `i`
+  virtual unsigned int Length() const = 0;                  // so does Cardinality()
+  virtual int IsEmpty() const = 0;
+  virtual T const& First() const = 0;
+  virtual T& First() = 0;
+  virtual T const& Last() const = 0;
+  virtual T& Last() = 0;
+  virtual int Location(T const& item) const = 0;  // the index of an equal item, or -1
+  virtual void Purge() = 0;
+  virtual void Add(T const& item) = 0;
+  virtual unsigned int Cardinality() const = 0;
+  virtual T const& ItemAt(unsigned int i) const = 0;
+
+  // Hooks around assignment to this collection and comparison of it; here they do nothing.
+  virtual void Lock() const;
+  virtual void Unlock() const;
+};
+
+// Walks a collection through its virtual interface, asking it anew at every call, so that it sees
+// what changes meanwhile. A plain value; the collection must outlive it.
+template <class T>
+class MIROXGCL_API LX_TCollectionActiveIterator {
+ public:
+  explicit LX_TCollectionActiveIterator(LX_TCollection<T> const& c) : m_collection(c) { Reset(); }
+
+  void Reset() { m_index = m_collection.Cardinality() != 0 ? 0 : -1; }
+
+  int IsDone() const {
+    return m_index < 0 || static_cast<unsigned int>(m_index) >= m_collection.Cardinality();
+  }
+
+  // Moves on; 1 when there is a current item then.
+  int Next() {
+    ++m_index;
+    return !IsDone();
+  }
+
+  // The current item, null when done.
+  T const* CurrentItem() const {
+    return IsDone() ? nullptr : &m_collection.ItemAt(static_cast<unsigned int>(m_index));
+  }
+  T* CurrentItem() {
+    return const_cast<T*>(static_cast<LX_TCollectionActiveIterator const&>(*this).CurrentItem());
+  }
+
+ private:
+  LX_TCollection<T> const& m_collection;
+  int m_index;  // -1: the collection was empty at the start
+};
+
+// --- Implementation.
+
+// Holds a container's lock for a scope, through its own Lock and Unlock.
+template <class Lockable>
+class LX_TLockScope {
+ public:
+  explicit LX_TLockScope(Lockable& lockable) : m_lockable(lockable) { m_lockable.Lock(); }
+  LX_TLockScope(LX_TLockScope const&) = delete;
+  LX_TLockScope& operator=(LX_TLockScope const&) = delete;
+  ~LX_TLockScope() { m_lockable.Unlock(); }
+
+ private:
+  Lockable& m_lockable;
+};
+
+// Empties a container at the end of its scope, unless told that its new content is complete.
+template <class Container>
+class LX_TPurgeGuard {
+ public:
+  explicit LX_TPurgeGuard(Container& container) : m_container(&container) {}
+  LX_TPurgeGuard(LX_TPurgeGuard const&) = delete;
+  LX_TPurgeGuard& operator=(LX_TPurgeGuard const&) = delete;
+  ~LX_TPurgeGuard() {
+    if (m_container != nullptr) m_container->Purge();
+  }
+  void Complete() { m_container = nullptr; }
+
+ private:
+  Container* m_container;
+};
+
+template <class T>
+LX_TCollection<T>& LX_TCollection<T>::operator=(LX_TCollection const& other) {
+  if (&other == this) return *this;
+  LX_TLockScope<LX_TCollection const> const lock(*this);
+  Purge();
+  LX_TPurgeGuard<LX_TCollection> guard(*this);
+  for (LX_TCollectionActiveIterator<T> i(other); !i.IsDone(); i.Next()) Add(*i.CurrentItem());
+  guard.Complete();
+  return *this;
+}
+
+template <class T>
+int LX_TCollection<T>::operator==(LX_TCollection const& other) const {
+  if (&other == this) return 1;
+  LX_TLockScope<LX_TCollection const> const lock(*this);
+  if (Cardinality() != other.Cardinality()) return 0;
+  LX_TCollectionActiveIterator<T> i(*this);
+  LX_TCollectionActiveIterator<T> j(other);
+  for (; !i.IsDone() && !j.IsDone(); i.Next(), j.Next()) {
+    if (!(*i.CurrentItem() == *j.CurrentItem())) return 0;
+  }
+  return 1;
+}
+
+template <class T>
+void LX_TCollection<T>::Lock() const {}
+
+template <class T>
+void LX_TCollection<T>::Unlock() const {}
+
+#endif

@@ -1,0 +1,518 @@
+// LX_TDynamic<T,M>: a circular array of slots that grows and shrinks in whole chunks, and
+// LX_TDynamicCollection<T,M>, the LX_TCollection<T> made of one.
+//
+// Putting an item first or last moves no other; an insertion or removal inside moves the items on
+// one side. Growth is by one chunk, so n appends cost n/chunk reallocations: use a larger chunk, or
+// Preallocate(), for long arrays.
+//
+//   LX_TDynamic<int> a(4);      // chunks of 4 slots, none held yet
+//   a.Append(1);                // 4 slots
+//   a.Insert(0);                // in the last slot: the run wraps; a[0] is 0, a[1] is 1
+//   a.Clear();                  // no slots
+//
+// Invariants of the array:
+//   1. Each of the m_size slots at m_items holds a constructed T; m_items is null when m_size is 0.
+//   2. m_size is a multiple of the chunk size in force when the slots were obtained.
+//   3. Positions count from 1; 0 in both m_start and m_stop means empty.
+//   4. The items stand at positions m_start to m_stop, wrapping from m_size to 1 when m_start is
+//      the greater.
+#ifndef MIROXGCL_LX_DYNAMIC_H
+#define MIROXGCL_LX_DYNAMIC_H
+
+#include <climits>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+#include "miroxgcl/lx_collection.h"
+#include "miroxgcl/lx_precondition.h"
+#include "miroxgcl/lx_unmanaged.h"
+
+// When T's copying or M throws, the array keeps its value; an assignment leaves it empty. (A T that
+// can be neither copied nor moved without throwing may leave items doubled in a positioned
+// insertion or removal.) A slot that an item has left keeps a copy of it until it is overwritten or
+// the slots are released, where copying cannot throw.
+template <class T, class M = LX_CUnmanaged>
+class MIROXGCL_API LX_TDynamic {
+ public:
+  // No slots. A chunk size of 0 grows as if by 32.
+  LX_TDynamic() noexcept : LX_TDynamic(0) {}
+  explicit LX_TDynamic(unsigned int chunk_size) noexcept : m_chunk_size(chunk_size) {}
+  // Takes the chunk size too.
+  LX_TDynamic(LX_TDynamic const& other) : LX_TDynamic(other.m_chunk_size) { *this = other; }
+  LX_TDynamic(LX_TDynamic&& other) noexcept : LX_TDynamic(other.m_chunk_size) { Steal(other); }
+  ~LX_TDynamic() { Clear(); }
+
+  // Keeps this array's own chunk size. The move takes the other's slots and leaves it empty.
+  LX_TDynamic& operator=(LX_TDynamic const& other);
+  LX_TDynamic& operator=(LX_TDynamic&& other) noexcept;
+
+  int operator==(LX_TDynamic const& other) const;
+  int operator!=(LX_TDynamic const& other) const { return !(*this == other); }
+
+  unsigned int Length() const {
+    if (m_start == 0) return 0;
+    return m_stop - m_start + 1 + (Wraps() ? m_size : 0);
+  }
+
+  // REQUIRES: i < Length().
+  T const& ItemAt(unsigned int i) const { return m_items[SlotOf(i)]; }
+  T& ItemAt(unsigned int i) { return m_items[SlotOf(i)]; }
+  T const& operator[](unsigned int i) const {
+    RequireIndex(i);
+    return ItemAt(i);
+  }
+  T& operator[](unsigned int i) {
+    RequireIndex(i);
+    return ItemAt(i);
+  }
+
+  // REQUIRES: Length() > 0.
+  T const& First() const { return m_items[m_start - 1]; }
+  T& First() { return m_items[m_start - 1]; }
+  T const& Last() const { return m_items[m_stop - 1]; }
+  T& Last() { return m_items[m_stop - 1]; }
+
+  // The slots of a chunk. A new size applies from the next reallocation. REQUIRES: c > 0.
+  unsigned int ChunkSize() const { return m_chunk_size; }
+  void SetChunkSize(unsigned int c) {
+    LX_REQUIRE(c != 0, "Not_Null", "LX_TDynamic<>::SetChunkSize", LX_kNotEmpty);
+    m_chunk_size = c;
+  }
+
+  // Makes room for `n` items when there are fewer; the next removal gives unused chunks back.
+  void Preallocate(unsigned int n) {
+    if (Length() < n) Resize(Length(), n, 1);
+  }
+
+  // Removes every item and releases all slots.
+  void Clear() { Resize(0, 0, 0); }
+
+  // Put `item` first or last: constant time unless the array is full. `item` may be one of this
+  // array's own, here and below.
+  void Insert(T const& item);
+  void Append(T const& item);
+
+  // Put `item` before or after the item at `i`; in an empty array, `i` does not matter.
+  // REQUIRES: i <= Length() for Insert, i < Length() for Append, or an empty array.
+  void Insert(T const& item, unsigned int i);
+  void Append(T const& item, unsigned int i);
+
+  // Takes the item at `i` out and gives back the chunks that are no longer needed; when memory for
+  // the smaller array cannot be had, keeps the larger one. REQUIRES: i < Length().
+  void Remove(unsigned int i);
+
+  // REQUIRES: i < Length().
+  void Replace(unsigned int i, T const& item) {
+    LX_REQUIRE(i < Length(), "Range_Error", "LX_TDynamic::Replace", LX_kInvalidIndex);
+    ItemAt(i) = item;
+  }
+
+  // The first index at or after `start` whose item equals `item`, or -1. REQUIRES: start <=
+  // Length().
+  int Location(T const& item, unsigned int start) const;
+
+  // Gives the array the fewest chunks that hold `length` slots, keeping the first `count` items, in
+  // the first slots, when `keep` is not 0. Does nothing when it has that many slots already. Throws
+  // std::bad_alloc or its kin, before anything changes, for more slots than an int counts.
+  // REQUIRES: count <= length, count <= Length().
+  void Resize(unsigned int count, unsigned int length, int keep);
+
+  // The moving steps of insertion and removal, by slot (a slot counts from 0, a position from 1);
+  // what moves wraps at the array's end. Expand: make room towards the end for the items from slot
+  // `p` on, or towards the front for those before it; answer the slot opened. REQUIRES: a free
+  // slot.
+  unsigned int ExpandRight(unsigned int p) { return Adopt(OpenRight(p)); }
+  unsigned int ExpandLeft(unsigned int p) { return Adopt(OpenLeft(p)); }
+  // Shrink: close slot `p` with the items behind it, or before it.
+  void ShrinkRight(unsigned int p);
+  void ShrinkLeft(unsigned int p);
+
+  static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
+  static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+
+ private:
+  // Copying is the rule between slots; moving serves where only copying may throw.
+  static constexpr bool s_moves =
+      !std::is_nothrow_copy_assignable_v<T> && std::is_nothrow_move_assignable_v<T>;
+
+  class Slots;
+
+  bool Wraps() const { return m_start > m_stop; }
+  bool IsFull() const { return Length() == m_size; }
+  unsigned int SlotOf(unsigned int i) const {
+    unsigned int const slot = m_start + i - 1;
+    return slot >= m_size ? slot - m_size : slot;  // only a run that wraps gets there
+  }
+  unsigned int After(unsigned int position) const { return position == m_size ? 1 : position + 1; }
+  unsigned int Before(unsigned int position) const { return position == 1 ? m_size : position - 1; }
+
+  void RequireIndex([[maybe_unused]] unsigned int i) const {
+    LX_REQUIRE(i < Length(), "Range_Error", "LX_TDynamic<>::operator[]", LX_kInvalidIndex);
+  }
+  bool Holds(T const& item) const;
+  void Grow() { Resize(m_size, m_size + 1, 1); }
+  void PutFirstOrLast(T const& item, bool last);
+  template <class Open>
+  void PutInside(T const& item, Open open);
+  template <class Open, class Item>
+  void Fill(Open open, Item&& item);
+
+  // A slot made free inside the run, and the positions that hold once it is filled.
+  struct Opening {
+    unsigned int slot;
+    unsigned int start;
+    unsigned int stop;
+  };
+  Opening OpenRight(unsigned int p);
+  Opening OpenLeft(unsigned int p);
+  unsigned int Adopt(Opening const& opening) {
+    m_start = opening.start;
+    m_stop = opening.stop;
+    return opening.slot;
+  }
+  void Steal(LX_TDynamic& other) noexcept;
+
+  static void Shift(T& to, T& from) {
+    if constexpr (s_moves) {
+      to = std::move(from);
+    } else {
+      to = from;
+    }
+  }
+
+  T* m_items = nullptr;
+  unsigned int m_size = 0;          // slots held: the capacity
+  unsigned int m_total_chunks = 0;  // chunks they were obtained as
+  unsigned int m_chunk_size;        // slots of a chunk
+  unsigned int m_start = 0;         // position of the first item
+  unsigned int m_stop = 0;          // position of the last item
+};
+
+// The collection forwards to its array; see there for what each operation costs and requires.
+template <class T, class M = LX_CUnmanaged>
+class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
+ public:
+  LX_TDynamicCollection() = default;
+  explicit LX_TDynamicCollection(unsigned int chunk_size) : m_dynamic(chunk_size) {}
+  LX_TDynamicCollection(LX_TDynamicCollection const& other) = default;
+  LX_TDynamicCollection(LX_TDynamicCollection&& other) noexcept
+      : LX_TCollection<T>(), m_dynamic(std::move(other.m_dynamic)) {}
+  ~LX_TDynamicCollection() override = default;
+
+  LX_TDynamicCollection& operator=(LX_TCollection<T> const& other) override {
+    LX_TCollection<T>::operator=(other);
+    return *this;
+  }
+  int operator==(LX_TCollection<T> const& other) const override {
+    return LX_TCollection<T>::operator==(other);
+  }
+  using LX_TCollection<T>::operator!=;
+
+  T const& operator[](unsigned int i) const override { return m_dynamic[i]; }
+  T& operator[](unsigned int i) override { return m_dynamic[i]; }
+  void Clear() override { m_dynamic.Clear(); }
+  void Insert(T const& item) override { m_dynamic.Insert(item); }
+  void Insert(T const& item, unsigned int i) override { m_dynamic.Insert(item, i); }
+  void Append(T const& item) override { m_dynamic.Append(item); }
+  void Append(T const& item, unsigned int i) override { m_dynamic.Append(item, i); }
+  void Remove(unsigned int i) override { m_dynamic.Remove(i); }
+  void Replace(unsigned int i, T const& item) override { m_dynamic.Replace(i, item); }
+  unsigned int Length() const override { return m_dynamic.Length(); }
+  int IsEmpty() const override { return m_dynamic.Length() == 0; }
+  T const& First() const override { return m_dynamic.First(); }
+  T& First() override { return m_dynamic.First(); }
+  T const& Last() const override { return m_dynamic.Last(); }
+  T& Last() override { return m_dynamic.Last(); }
+  int Location(T const& item) const override { return m_dynamic.Location(item, 0); }
+  void Purge() override { m_dynamic.Clear(); }
+  void Add(T const& item) override { m_dynamic.Append(item); }
+  unsigned int Cardinality() const override { return m_dynamic.Length(); }
+  T const& ItemAt(unsigned int i) const override { return m_dynamic.ItemAt(i); }
+
+  // Copies the array: this collection keeps its own chunk size.
+  virtual LX_TDynamicCollection& operator=(LX_TDynamicCollection const& other) {
+    m_dynamic = other.m_dynamic;
+    return *this;
+  }
+  LX_TDynamicCollection& operator=(LX_TDynamicCollection&& other) noexcept {
+    m_dynamic = std::move(other.m_dynamic);
+    return *this;
+  }
+  virtual int operator==(LX_TDynamicCollection const& other) const {
+    return m_dynamic == other.m_dynamic;
+  }
+  int operator!=(LX_TDynamicCollection const& other) const { return !(*this == other); }
+  virtual void SetChunkSize(unsigned int c) { m_dynamic.SetChunkSize(c); }
+  virtual void Preallocate(unsigned int n) { m_dynamic.Preallocate(n); }
+  virtual unsigned int ChunkSize() const { return m_dynamic.ChunkSize(); }
+
+  static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
+  static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void*, void*) noexcept {}
+
+ private:
+  LX_TDynamic<T, M> m_dynamic;
+};
+
+// --- Implementation.
+
+// How many chunks an array of `length` slots takes, and how many slots that makes.
+struct LX_ChunkPlan {
+  unsigned int chunks;
+  unsigned int slots;
+};
+
+// A chunk size of 0 counts as 32. Throws std::bad_array_new_length when an int cannot count the
+// slots, or their bytes exceed what an object may have.
+inline LX_ChunkPlan LX_PlanChunks(unsigned int length, unsigned int chunk_size,
+                                  std::size_t slot_bytes) {
+  if (length == 0) return {0, 0};
+  std::uint64_t const chunk = chunk_size != 0 ? chunk_size : 32;
+  std::uint64_t const chunks = (length - 1) / chunk + 1;
+  std::uint64_t const slots = chunks * chunk;
+  if (slots > INT_MAX || slots > PTRDIFF_MAX / slot_bytes) throw std::bad_array_new_length();
+  return {static_cast<unsigned int>(chunks), static_cast<unsigned int>(slots)};
+}
+
+// An array of slots and what is built of it, from the last slot down to the first. It destroys and
+// releases them unless they are taken.
+template <class T, class M>
+class LX_TDynamic<T, M>::Slots {
+ public:
+  explicit Slots(unsigned int size)
+      : m_slots(size == 0 ? nullptr : static_cast<T*>(M::AllocateBlock(size * sizeof(T)))),
+        m_first(size),
+        m_size(size) {
+    LX_REQUIRE(size == 0 || m_slots != nullptr, "Storage_Error", "LX_TDynamic::Resize", LX_kNull);
+  }
+  Slots(T* slots, unsigned int size) : m_slots(slots), m_first(0), m_size(size) {}
+  Slots(Slots const&) = delete;
+  Slots& operator=(Slots const&) = delete;
+  ~Slots() {
+    for (; m_first != m_size; ++m_first) m_slots[m_first].~T();
+    if (m_slots != nullptr) M::ReleaseBlock(m_slots, m_size * sizeof(T));
+  }
+
+  // Builds the slot before the first: from `value`, or empty (a scalar is 0).
+  template <class... Value>
+  void Build(Value&&... value) {
+    ::new (static_cast<void*>(m_slots + m_first - 1)) T(std::forward<Value>(value)...);
+    --m_first;
+  }
+  T* Take() {
+    m_first = m_size = 0;
+    return std::exchange(m_slots, nullptr);
+  }
+
+ private:
+  T* m_slots;
+  unsigned int m_first;  // the slots from here on are built
+  unsigned int m_size;
+};
+
+// The empty slots are built before any item is moved to the new array, so that one that throws
+// finds all items in the old.
+template <class T, class M>
+void LX_TDynamic<T, M>::Resize(unsigned int count, unsigned int length, int keep) {
+  LX_ChunkPlan const plan = LX_PlanChunks(length, m_chunk_size, sizeof(T));
+  if (plan.slots == m_size) return;
+  unsigned int const kept = keep != 0 ? count : 0;
+  Slots fresh(plan.slots);
+  for (unsigned int i = kept; i < plan.slots; ++i) fresh.Build();
+  for (unsigned int i = kept; i > 0; --i) fresh.Build(std::move_if_noexcept(ItemAt(i - 1)));
+  Slots const old(m_items, m_size);  // goes last
+  m_items = fresh.Take();
+  m_size = plan.slots;
+  m_total_chunks = plan.chunks;
+  m_stop = length != 0 ? count : 0;
+  m_start = m_stop != 0 ? 1 : 0;
+}
+
+template <class T, class M>
+LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(LX_TDynamic const& other) {
+  if (&other == this) return *this;
+  unsigned int const n = other.Length();
+  Resize(0, n, 0);
+  m_start = m_stop = 0;  // empty until every item has come
+  for (unsigned int i = 0; i < n; ++i) m_items[i] = other.ItemAt(i);
+  m_stop = n;
+  m_start = n != 0 ? 1 : 0;
+  return *this;
+}
+
+template <class T, class M>
+LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(LX_TDynamic&& other) noexcept {
+  if (&other != this) {
+    Clear();
+    Steal(other);
+  }
+  return *this;
+}
+
+// Takes the other's slots. REQUIRES: this array has none.
+template <class T, class M>
+void LX_TDynamic<T, M>::Steal(LX_TDynamic& other) noexcept {
+  m_items = std::exchange(other.m_items, nullptr);
+  m_size = std::exchange(other.m_size, 0u);
+  m_total_chunks = std::exchange(other.m_total_chunks, 0u);
+  m_start = std::exchange(other.m_start, 0u);
+  m_stop = std::exchange(other.m_stop, 0u);
+}
+
+template <class T, class M>
+int LX_TDynamic<T, M>::operator==(LX_TDynamic const& other) const {
+  if (&other == this) return 1;
+  unsigned int const n = Length();
+  if (n != other.Length()) return 0;
+  for (unsigned int i = 0; i < n; ++i) {
+    if (!(ItemAt(i) == other.ItemAt(i))) return 0;
+  }
+  return 1;
+}
+
+// Whether `item` is in one of the slots, where moving and reallocating would change it.
+template <class T, class M>
+bool LX_TDynamic<T, M>::Holds(T const& item) const {
+  std::less<T const*> const before;
+  T const* const p = std::addressof(item);
+  return m_size != 0 && !before(p, m_items) && before(p, m_items + m_size);
+}
+
+template <class T, class M>
+void LX_TDynamic<T, M>::Insert(T const& item) {
+  PutFirstOrLast(item, false);
+}
+
+template <class T, class M>
+void LX_TDynamic<T, M>::Append(T const& item) {
+  PutFirstOrLast(item, true);
+}
+
+// The positions advance only after the assignment, which may throw.
+template <class T, class M>
+void LX_TDynamic<T, M>::PutFirstOrLast(T const& item, bool last) {
+  if (IsFull()) {
+    if (Holds(item)) return PutFirstOrLast(T(item), last);
+    Grow();
+  }
+  bool const empty = m_start == 0;
+  unsigned int const position = empty ? 1 : last ? After(m_stop) : Before(m_start);
+  m_items[position - 1] = item;
+  if (last || empty) m_stop = position;
+  if (!last || empty) m_start = position;
+}
+
+template <class T, class M>
+void LX_TDynamic<T, M>::Insert(T const& item, unsigned int i) {
+  LX_REQUIRE(Length() == 0 || i <= Length(), "Range_Error", "LX_TDynamic::Insert",
+             LX_kInvalidIndex);
+  PutInside(item, [this, i] {
+    unsigned int const p = m_start + i - 1;
+    if (Wraps()) return i > m_size - m_start ? OpenRight(p - m_size) : OpenLeft(p);
+    return i > Length() - i ? OpenRight(p) : OpenLeft(p);
+  });
+}
+
+template <class T, class M>
+void LX_TDynamic<T, M>::Append(T const& item, unsigned int i) {
+  LX_REQUIRE(Length() == 0 || i < Length(), "Range_Error", "LX_TDynamic::Append", LX_kInvalidIndex);
+  PutInside(item, [this, i] {
+    unsigned int const p = m_start + i;
+    if (Wraps()) return i > m_size - m_start ? OpenRight(p - m_size) : OpenLeft(p);
+    return i >= Length() - 1 - i ? OpenRight(p) : OpenLeft(p);
+  });
+}
+
+// An item of this array's own would move under our hands; one that may throw while being copied
+// must do so before anything moves. Either is copied first.
+template <class T, class M>
+template <class Open>
+void LX_TDynamic<T, M>::PutInside(T const& item, Open open) {
+  if (m_start == 0) return Append(item);
+  if (s_moves || Holds(item)) return Fill(open, T(item));
+  Fill(open, item);
+}
+
+template <class T, class M>
+template <class Open, class Item>
+void LX_TDynamic<T, M>::Fill(Open open, Item&& item) {
+  if (IsFull()) Grow();
+  Opening const opening = open();
+  m_items[opening.slot] = std::forward<Item>(item);
+  Adopt(opening);
+}
+
+template <class T, class M>
+typename LX_TDynamic<T, M>::Opening LX_TDynamic<T, M>::OpenRight(unsigned int p) {
+  unsigned int const stop = After(m_stop);
+  if (m_stop == m_size) {  // the run ends in the last slot: slot 0 is the next
+    if (p == m_size) return {0, m_start, stop};
+    Shift(m_items[0], m_items[m_size - 1]);
+  }
+  for (unsigned int q = stop == 1 ? m_size - 1 : m_stop; q > p; --q) {
+    Shift(m_items[q], m_items[q - 1]);
+  }
+  return {p, m_start, stop};
+}
+
+template <class T, class M>
+typename LX_TDynamic<T, M>::Opening LX_TDynamic<T, M>::OpenLeft(unsigned int p) {
+  unsigned int const start = Before(m_start);
+  if (m_start == 1) {  // the run begins in slot 0: the last slot is the next
+    if (p == 0) return {m_size - 1, start, m_stop};
+    Shift(m_items[m_size - 1], m_items[0]);
+  }
+  for (unsigned int q = m_start == 1 ? 0 : start - 1; q + 1 < p; ++q) {
+    Shift(m_items[q], m_items[q + 1]);
+  }
+  return {p - 1, start, m_stop};
+}
+
+template <class T, class M>
+void LX_TDynamic<T, M>::ShrinkRight(unsigned int p) {
+  for (unsigned int q = p; q + 1 < m_stop; ++q) Shift(m_items[q], m_items[q + 1]);
+  m_stop = Before(m_stop);
+}
+
+template <class T, class M>
+void LX_TDynamic<T, M>::ShrinkLeft(unsigned int p) {
+  for (unsigned int q = p; q >= m_start; --q) Shift(m_items[q], m_items[q - 1]);
+  m_start = After(m_start);
+}
+
+template <class T, class M>
+void LX_TDynamic<T, M>::Remove(unsigned int i) {
+  unsigned int const n = Length();
+  LX_REQUIRE(n != 0, "Underflow", "LX_TDynamic::Remove", LX_kEmpty);
+  LX_REQUIRE(i < n, "Range_Error", "LX_TDynamic::Remove", LX_kInvalidIndex);
+  unsigned int const p = m_start + i - 1;
+  if (n == 1) {
+    m_start = m_stop = 0;
+  } else if (Wraps()) {
+    i > m_size - m_start ? ShrinkRight(p - m_size) : ShrinkLeft(p);
+  } else {
+    i > n - i ? ShrinkRight(p) : ShrinkLeft(p);
+  }
+  try {
+    Resize(n - 1, n - 1, 1);
+  } catch (...) {  // the item is out all the same, and the larger array serves
+  }
+}
+
+template <class T, class M>
+int LX_TDynamic<T, M>::Location(T const& item, unsigned int start) const {
+  unsigned int const n = Length();
+  LX_REQUIRE(start <= n, "Range_Error", "LX_TDynamic::Location", LX_kInvalidIndex);
+  for (unsigned int i = start; i < n; ++i) {
+    if (ItemAt(i) == item) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+#endif

@@ -1,0 +1,165 @@
+// LX_TStack<T>: the interface of a last-in, first-out stack; the iterator over it; and
+// LX_TUnboundedStack<T,M>, the stack made of a linked list.
+//
+//   LX_TUnboundedStack<GCL_String> s;
+//   s.Push("a"); s.Push("b");                // Top() is "b"; ItemAt(0) is "b", ItemAt(1) is "a"
+//   for (LX_TStackActiveIterator<GCL_String> i(s); !i.IsDone(); i.Next()) use(*i.CurrentItem());
+#ifndef MIROXGCL_LX_STACK_H
+#define MIROXGCL_LX_STACK_H
+
+#include <cstddef>
+#include <utility>
+
+#include "miroxgcl/lx_collection.h"
+#include "miroxgcl/lx_unbounded.h"
+
+// Index 0 is the top. Truth values are int, 1 and 0.
+template <class T>
+class MIROXGCL_API LX_TStack {
+ public:
+  LX_TStack() = default;
+  LX_TStack(LX_TStack const&) = default;
+  virtual ~LX_TStack() = default;
+
+  // Gives this stack the items of `other`, whatever its class, in order. When copying an item
+  // throws, this stack is left empty.
+  virtual LX_TStack& operator=(LX_TStack const& other);
+
+  // 1 when both hold the same number of items, equal in order.
+  virtual int operator==(LX_TStack const& other) const;
+  int operator!=(LX_TStack const& other) const { return !(*this == other); }
+
+  virtual void Clear() = 0;  // removes every item; so does Purge()
+  virtual void Push(T const& item) = 0;
+  virtual void Pop() = 0;                  // REQUIRES: not empty
+  virtual unsigned int Depth() const = 0;  // the number of items; so does Cardinality()
+  virtual int IsEmpty() const = 0;
+  virtual T const& Top() const = 0;  // REQUIRES: not empty
+  virtual T& Top() = 0;
+  virtual void Purge() = 0;
+  virtual void Add(T const& item) = 0;  // puts `item` at the bottom
+  virtual unsigned int Cardinality() const = 0;
+  virtual T const& ItemAt(unsigned int i) const = 0;  // REQUIRES: i < Depth()
+
+  // Hooks that assignment from this stack and comparison with it call; here they do nothing.
+  virtual void Lock();
+  virtual void Unlock();
+};
+
+// Walks a stack from its top, asking it anew at every call. A plain value; the stack must outlive
+// it.
+template <class T>
+class MIROXGCL_API LX_TStackActiveIterator {
+ public:
+  explicit LX_TStackActiveIterator(LX_TStack<T> const& stack) : m_stack(stack) { Reset(); }
+
+  void Reset() { m_index = m_stack.Cardinality() != 0 ? 0 : -1; }
+
+  int IsDone() const {
+    return m_index < 0 || static_cast<unsigned int>(m_index) >= m_stack.Cardinality();
+  }
+
+  // Moves on; 1 when there is a current item then.
+  int Next() {
+    ++m_index;
+    return !IsDone();
+  }
+
+  // The current item, null when done.
+  T const* CurrentItem() const {
+    return IsDone() ? nullptr : &m_stack.ItemAt(static_cast<unsigned int>(m_index));
+  }
+  T* CurrentItem() {
+    return const_cast<T*>(static_cast<LX_TStackActiveIterator const&>(*this).CurrentItem());
+  }
+
+ private:
+  LX_TStack<T> const& m_stack;
+  int m_index;  // -1: the stack was empty at the start
+};
+
+// The stack forwards to its list, whose first item is the top.
+template <class T, class M = LX_CUnmanaged>
+class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
+ public:
+  LX_TUnboundedStack() = default;
+  LX_TUnboundedStack(LX_TUnboundedStack const& other) = default;
+  LX_TUnboundedStack(LX_TUnboundedStack&& other) noexcept
+      : LX_TStack<T>(), m_unbounded(std::move(other.m_unbounded)) {}
+  ~LX_TUnboundedStack() override = default;
+
+  LX_TUnboundedStack& operator=(LX_TStack<T> const& other) override {
+    LX_TStack<T>::operator=(other);
+    return *this;
+  }
+  int operator==(LX_TStack<T> const& other) const override {
+    return LX_TStack<T>::operator==(other);
+  }
+  using LX_TStack<T>::operator!=;
+
+  void Clear() override { m_unbounded.Clear(); }
+  void Push(T const& item) override { m_unbounded.Insert(item); }
+  void Pop() override { m_unbounded.Remove(0); }
+  unsigned int Depth() const override { return m_unbounded.Length(); }
+  int IsEmpty() const override { return m_unbounded.Length() == 0; }
+  T const& Top() const override { return m_unbounded.First(); }
+  T& Top() override { return m_unbounded.First(); }
+  void Purge() override { m_unbounded.Clear(); }
+  void Add(T const& item) override { m_unbounded.Append(item); }
+  unsigned int Cardinality() const override { return m_unbounded.Length(); }
+  T const& ItemAt(unsigned int i) const override { return m_unbounded.ItemAt(i); }
+
+  // Copies the list, without locks.
+  virtual LX_TUnboundedStack& operator=(LX_TUnboundedStack const& other) {
+    m_unbounded = other.m_unbounded;
+    return *this;
+  }
+  LX_TUnboundedStack& operator=(LX_TUnboundedStack&& other) noexcept {
+    m_unbounded = std::move(other.m_unbounded);
+    return *this;
+  }
+  virtual int operator==(LX_TUnboundedStack const& other) const {
+    return m_unbounded == other.m_unbounded;
+  }
+  int operator!=(LX_TUnboundedStack const& other) const { return !(*this == other); }
+
+  static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
+  static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+
+ private:
+  LX_TUnbounded<T, M> m_unbounded;
+};
+
+// --- Implementation. The locks are those of the argument, constant as it is.
+
+template <class T>
+LX_TStack<T>& LX_TStack<T>::operator=(LX_TStack const& other) {
+  if (&other == this) return *this;
+  LX_TLockScope<LX_TStack> const lock(const_cast<LX_TStack&>(other));
+  Purge();
+  LX_TPurgeGuard<LX_TStack> guard(*this);
+  for (LX_TStackActiveIterator<T> i(other); !i.IsDone(); i.Next()) Add(*i.CurrentItem());
+  guard.Complete();
+  return *this;
+}
+
+template <class T>
+int LX_TStack<T>::operator==(LX_TStack const& other) const {
+  if (&other == this) return 1;
+  LX_TLockScope<LX_TStack> const lock(const_cast<LX_TStack&>(other));
+  if (Cardinality() != other.Cardinality()) return 0;
+  LX_TStackActiveIterator<T> i(*this);
+  LX_TStackActiveIterator<T> j(other);
+  for (; !i.IsDone() && !j.IsDone(); i.Next(), j.Next()) {
+    if (!(*i.CurrentItem() == *j.CurrentItem())) return 0;
+  }
+  return 1;
+}
+
+template <class T>
+void LX_TStack<T>::Lock() {}
+
+template <class T>
+void LX_TStack<T>::Unlock() {}
+
+#endif

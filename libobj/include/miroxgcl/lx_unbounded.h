@@ -1,0 +1,283 @@
+// LX_TUnbounded<T,M>: a doubly linked list that remembers the position looked up last, so that
+// walking it by index costs one step an item.
+//
+// Indices count from 0; truth values are int, 1 and 0. References to items stand until the item is
+// removed. Even looking an item up moves the remembered position: one thread at a time, readers
+// too.
+//
+// Invariants:
+//   1. m_head and m_tail are null exactly when m_size is 0.
+//   2. From m_head, m_next leads over m_size nodes to m_tail, and m_previous back.
+//   3. m_cache, where not null, is the node at index m_cache_index; else m_cache_index is 0.
+#ifndef MIROXGCL_LX_UNBOUNDED_H
+#define MIROXGCL_LX_UNBOUNDED_H
+
+#include <cstddef>
+#include <utility>
+
+#include "miroxgcl/gcl_config.h"
+#include "miroxgcl/lx_precondition.h"
+#include "miroxgcl/lx_unmanaged.h"
+
+// One node of a list. Building it links it in between its neighbours; destroying it does not touch
+// them.
+template <class T, class M = LX_CUnmanaged>
+class MIROXGCL_API LX_TNode {
+ public:
+  LX_TNode(T const& item, LX_TNode* previous, LX_TNode* next)
+      : m_item(item), m_previous(previous), m_next(next) {
+    if (previous != nullptr) previous->m_next = this;
+    if (next != nullptr) next->m_previous = this;
+  }
+  LX_TNode(LX_TNode const&) = delete;
+  LX_TNode& operator=(LX_TNode const&) = delete;
+
+  static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
+  static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+
+  T m_item;
+  LX_TNode* m_previous;  // null in the first node
+  LX_TNode* m_next;      // null in the last
+};
+
+// When copying an item or M throws, the list keeps its value. Insert and Append without index,
+// First, Last and Length take constant time; the operations with an index take one look-up:
+// constant at the remembered position and next to it, else a walk from the head.
+template <class T, class M = LX_CUnmanaged>
+class MIROXGCL_API LX_TUnbounded {
+ public:
+  LX_TUnbounded() noexcept = default;
+  LX_TUnbounded(LX_TUnbounded const& other) : LX_TUnbounded() { *this = other; }
+  LX_TUnbounded(LX_TUnbounded&& other) noexcept { Steal(other); }
+  ~LX_TUnbounded() { Clear(); }
+
+  LX_TUnbounded& operator=(LX_TUnbounded const& other);
+  // Takes the other's nodes and leaves it empty.
+  LX_TUnbounded& operator=(LX_TUnbounded&& other) noexcept {
+    if (&other != this) {
+      Clear();
+      Steal(other);
+    }
+    return *this;
+  }
+
+  int operator==(LX_TUnbounded const& other) const;
+  int operator!=(LX_TUnbounded const& other) const { return !(*this == other); }
+
+  unsigned int Length() const { return m_size; }
+
+  // REQUIRES: Length() > 0.
+  T const& First() const {
+    RequireItems();
+    return m_head->m_item;
+  }
+  T& First() {
+    RequireItems();
+    return m_head->m_item;
+  }
+  T const& Last() const { return m_tail->m_item; }
+  T& Last() { return m_tail->m_item; }
+
+  // REQUIRES: i < Length().
+  T const& ItemAt(unsigned int i) const { return LookUp(i)->m_item; }
+  T& ItemAt(unsigned int i) { return LookUp(i)->m_item; }
+  T const& operator[](unsigned int i) const {
+    RequireIndex(i);
+    return ItemAt(i);
+  }
+  T& operator[](unsigned int i) {
+    RequireIndex(i);
+    return ItemAt(i);
+  }
+
+  // Destroys every item, from the first on.
+  void Clear() noexcept;
+
+  // Put `item` first or last. It may be one of this list's own, here and below.
+  void Insert(T const& item);
+  void Append(T const& item);
+
+  // Put `item` before or after the item at `i`; in an empty list, `i` does not matter, and
+  // Append(item, Length()) puts it last.
+  // REQUIRES: i < Length() for Insert, i <= Length() for Append, or an empty list.
+  void Insert(T const& item, unsigned int i);
+  void Append(T const& item, unsigned int i);
+
+  // REQUIRES: i < Length(). In a list of one item, `i` does not matter.
+  void Remove(unsigned int i);
+
+  // REQUIRES: i < Length().
+  void Replace(unsigned int i, T const& item);
+
+  // The first index at or after `start` whose item equals `item`, or -1; for a `start` of 0 the
+  // remembered position, when its item is equal. REQUIRES: start <= Length().
+  int Location(T const& item, unsigned int start) const;
+
+  static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
+  static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+
+ private:
+  using Node = LX_TNode<T, M>;
+
+  void RequireItems() const {
+    LX_REQUIRE(m_size != 0, "Underflow", "LX_TUnbounded<>::First()", LX_kEmpty);
+  }
+  void RequireIndex([[maybe_unused]] unsigned int i) const {
+    LX_REQUIRE(i < m_size, "Range_Error", "LX_TUnbounded<>::operator[]", LX_kInvalidIndex);
+  }
+  Node* LookUp(unsigned int i) const;
+  Node* Walk(unsigned int i) const;
+  Node* Remember(Node* node, unsigned int i) const {
+    m_cache = node;
+    m_cache_index = i;
+    return node;
+  }
+  void Link(T const& item, Node* previous, Node* next, unsigned int i);
+  void Steal(LX_TUnbounded& other) noexcept;
+
+  Node* m_head = nullptr;
+  Node* m_tail = nullptr;
+  unsigned int m_size = 0;
+  mutable Node* m_cache = nullptr;         // the node looked up last
+  mutable unsigned int m_cache_index = 0;  // its index
+};
+
+// --- Implementation.
+
+template <class T, class M>
+void LX_TUnbounded<T, M>::Steal(LX_TUnbounded& other) noexcept {
+  m_head = std::exchange(other.m_head, nullptr);
+  m_tail = std::exchange(other.m_tail, nullptr);
+  m_size = std::exchange(other.m_size, 0u);
+  m_cache = std::exchange(other.m_cache, nullptr);
+  m_cache_index = std::exchange(other.m_cache_index, 0u);
+}
+
+// From the last item to the first, each put before the others, which leaves nothing remembered.
+template <class T, class M>
+LX_TUnbounded<T, M>& LX_TUnbounded<T, M>::operator=(LX_TUnbounded const& other) {
+  if (&other == this) return *this;
+  LX_TUnbounded copy;
+  for (Node* node = other.m_tail; node != nullptr; node = node->m_previous) {
+    copy.Insert(node->m_item);
+  }
+  copy.Remember(nullptr, 0);
+  return *this = std::move(copy);
+}
+
+template <class T, class M>
+int LX_TUnbounded<T, M>::operator==(LX_TUnbounded const& other) const {
+  if (&other == this) return 1;
+  if (m_size != other.m_size) return 0;
+  Node const* theirs = other.m_head;
+  for (Node const* ours = m_head; ours != nullptr; ours = ours->m_next, theirs = theirs->m_next) {
+    if (!(ours->m_item == theirs->m_item)) return 0;
+  }
+  return 1;
+}
+
+template <class T, class M>
+LX_TNode<T, M>* LX_TUnbounded<T, M>::Walk(unsigned int i) const {
+  Node* node = m_head;
+  for (unsigned int k = 0; k < i; ++k) node = node->m_next;
+  return node;
+}
+
+template <class T, class M>
+LX_TNode<T, M>* LX_TUnbounded<T, M>::LookUp(unsigned int i) const {
+  if (m_cache != nullptr) {
+    if (i == m_cache_index) return m_cache;
+    if (i == m_cache_index + 1) return Remember(m_cache->m_next, i);
+    if (i + 1 == m_cache_index) return Remember(m_cache->m_previous, i);
+  }
+  return Remember(Walk(i), i);
+}
+
+// A new node between two others, which becomes the one at index `i` and is remembered.
+template <class T, class M>
+void LX_TUnbounded<T, M>::Link(T const& item, Node* previous, Node* next, unsigned int i) {
+  Node* const node = new Node(item, previous, next);
+  if (previous == nullptr) m_head = node;
+  if (next == nullptr) m_tail = node;
+  ++m_size;
+  Remember(node, i);
+}
+
+template <class T, class M>
+void LX_TUnbounded<T, M>::Clear() noexcept {
+  while (m_head != nullptr) delete std::exchange(m_head, m_head->m_next);
+  m_tail = nullptr;
+  m_size = 0;
+  Remember(nullptr, 0);
+}
+
+template <class T, class M>
+void LX_TUnbounded<T, M>::Insert(T const& item) {
+  Link(item, nullptr, m_head, 0);
+}
+
+template <class T, class M>
+void LX_TUnbounded<T, M>::Append(T const& item) {
+  Link(item, m_tail, nullptr, m_size);
+}
+
+template <class T, class M>
+void LX_TUnbounded<T, M>::Insert(T const& item, unsigned int i) {
+  LX_REQUIRE(m_size == 0 || i < m_size, "Range_Error", "LX_TUnbounded::Insert", LX_kInvalidIndex);
+  if (m_size == 0 || i == 0) return Insert(item);
+  Node* const next = LookUp(i);
+  Link(item, next->m_previous, next, i);
+}
+
+template <class T, class M>
+void LX_TUnbounded<T, M>::Append(T const& item, unsigned int i) {
+  LX_REQUIRE(m_size == 0 || i <= m_size, "Range_Error", "LX_TUnbounded::Append", LX_kInvalidIndex);
+  if (m_size == 0 || i == m_size) return Append(item);
+  Node* const previous = LookUp(i);
+  Link(item, previous, previous->m_next, i + 1);
+}
+
+template <class T, class M>
+void LX_TUnbounded<T, M>::Remove(unsigned int i) {
+  LX_REQUIRE(m_size != 0, "Underflow", "LX_TUnbounded::Remove", LX_kEmpty);
+  LX_REQUIRE(i < m_size, "Range_Error", "LX_TUnbounded::Remove", LX_kInvalidIndex);
+  if (m_size == 1) return Clear();
+  Node* const node = LookUp(i);
+  Node* const previous = node->m_previous;
+  Node* const next = node->m_next;
+  (previous != nullptr ? previous->m_next : m_head) = next;
+  (next != nullptr ? next->m_previous : m_tail) = previous;
+  --m_size;
+  if (next != nullptr) {
+    Remember(next, i);
+  } else {
+    Remember(previous, i - 1);
+  }
+  delete node;
+}
+
+template <class T, class M>
+void LX_TUnbounded<T, M>::Replace(unsigned int i, T const& item) {
+  LX_REQUIRE(i < m_size, "Range_Error", "LX_TUnbounded::Replace", LX_kInvalidIndex);
+  if (m_cache == nullptr || i != m_cache_index) Remember(Walk(i), i);
+  m_cache->m_item = item;
+}
+
+template <class T, class M>
+int LX_TUnbounded<T, M>::Location(T const& item, unsigned int start) const {
+  LX_REQUIRE(start <= m_size, "Range_Error", "LX_TUnbounded::Location", LX_kInvalidIndex);
+  if (start == 0 && m_cache != nullptr && m_cache->m_item == item) {
+    return static_cast<int>(m_cache_index);
+  }
+  if (start >= m_size) return -1;
+  unsigned int i = start;
+  for (Node* node = Walk(start); node != nullptr; node = node->m_next, ++i) {
+    if (node->m_item == item) {
+      Remember(node, i);
+      return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
+#endif

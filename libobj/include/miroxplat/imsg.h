@@ -1,0 +1,47 @@
+// The message service: prints what the product's services have to say.
+//
+// Each message has a kind, its slot in the redirect table. While a table is installed, a message is
+// handed to the procedure in its slot instead of being displayed; a null entry displays it as before.
+// One table serves the whole process; nothing here takes a lock.
+#ifndef MIROXPLAT_IMSG_H
+#define MIROXPLAT_IMSG_H
+
+#include "miroxplat/plat_config.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// Receives a message: the table's context pointer and the formatted text, NUL-terminated, in memory
+// that the procedure may write to and that lives until it returns. It may throw; the exception
+// passes through imsg_print to the caller.
+typedef void (*imsg_redirect_proc)(void* arg, char* text);
+
+// Slots 0 and 1 are information, 4 and 5 warnings, 6 and 7 errors; 2, 3, 8, 9 and 10 other kinds.
+enum { IMSG_PROC_COUNT = 11 };
+
+// Copies the first `count` entries of the installed table to `procs` and its context to `*arg`.
+// Before the first imsg_set_redirect_procs, the table holds the service's own display procedures.
+MIROXPLAT_API void imsg_get_redirect_procs(int count, imsg_redirect_proc* procs, void** arg);
+
+// Installs the first `count` entries of `procs` and the context `arg`; entries beyond keep their
+// procedure. Null entries are kept as given.
+MIROXPLAT_API void imsg_set_redirect_procs(imsg_redirect_proc const* procs, int count, void* arg);
+
+// Formats a message of any length as printf does and hands it to its slot, 0 to 10. `reserved` is
+// -1. Returns the message's length in bytes, or -1 for a slot outside the table or a bad format.
+MIROXPLAT_API int imsg_print(int slot, char const* format, int reserved, ...);
+
+// Formats as sprintf does into `dest`, which must have room. `reserved` is -1. Returns the length.
+MIROXPLAT_API int imsg_sprintf(char* dest, char const* format, int reserved, ...);
+
+// Copies `src` to `dest` without its style sequences (the ECMA-48 terminal sequences that begin
+// with ESC) and ends it with a NUL. `dest` needs strlen(src) + 1 bytes. An unfinished sequence at
+// the end is dropped; the bytes of a UTF-8 character are never taken for a control.
+MIROXPLAT_API void imsg_strip_style_chars(char* dest, char const* src);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,37 @@
+// The container library's exception class and the four reasons it gives.
+#ifndef MIROXPLAT_LX_EXCEPTION_H
+#define MIROXPLAT_LX_EXCEPTION_H
+
+#include <exception>
+
+#include "miroxplat/plat_config.h"
+
+extern "C" {
+MIROXPLAT_API extern char const* const LX_kInvalidIndex;
+MIROXPLAT_API extern char const* const LX_kEmpty;
+MIROXPLAT_API extern char const* const LX_kNull;
+MIROXPLAT_API extern char const* const LX_kNotEmpty;
+}
+
+// Describes a violated precondition by three texts, which it points to and does not copy: building
+// one allocates nothing, so that a description which is not thrown costs nothing.
+class MIROXPLAT_API LX_XException : public std::exception {
+ public:
+  // `kind` names the class of failure, `location` the class and operation, `reason` is one of the
+  // four constants above. The texts must outlive the object.
+  LX_XException(char const* kind, char const* location, char const* reason) noexcept
+      : m_kind(kind), m_location(location), m_reason(reason) {}
+  ~LX_XException() override;
+
+  char const* kind() const noexcept { return m_kind; }
+  char const* location() const noexcept { return m_location; }
+  char const* reason() const noexcept { return m_reason; }
+  char const* what() const noexcept override;  // the reason
+
+ private:
+  char const* m_kind;
+  char const* m_location;
+  char const* m_reason;
+};
+
+#endif
