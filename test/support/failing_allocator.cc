@@ -1,0 +1,43 @@
+#include "support/failing_allocator.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+int s_allocations_left = 0;  // until one fails; 0: none will
+std::size_t s_live_blocks = 0;
+
+void* allocate(std::size_t n) {
+  if (s_allocations_left != 0 && --s_allocations_left == 0) return nullptr;
+  void* const p = n <= PTRDIFF_MAX ? std::malloc(n != 0 ? n : 1) : nullptr;
+  if (p != nullptr) ++s_live_blocks;
+  return p;
+}
+
+void* allocate_or_throw(std::size_t n) {
+  void* const p = allocate(n);
+  if (p == nullptr) throw std::bad_alloc();
+  return p;
+}
+
+void release(void* p) {
+  if (p != nullptr) --s_live_blocks;
+  std::free(p);
+}
+
+}  // namespace
+
+failing_allocator::failing_allocator(int n) { s_allocations_left = n; }
+failing_allocator::~failing_allocator() { s_allocations_left = 0; }
+std::size_t failing_allocator::live_blocks() { return s_live_blocks; }
+
+void* operator new(std::size_t n) { return allocate_or_throw(n); }
+void* operator new[](std::size_t n) { return allocate_or_throw(n); }
+void* operator new(std::size_t n, std::nothrow_t const&) noexcept { return allocate(n); }
+void* operator new[](std::size_t n, std::nothrow_t const&) noexcept { return allocate(n); }
+void operator delete(void* p) noexcept { release(p); }
+void operator delete[](void* p) noexcept { release(p); }
+void operator delete(void* p, std::size_t) noexcept { release(p); }
+void operator delete[](void* p, std::size_t) noexcept { release(p); }
