@@ -299,7 +299,7 @@ TEST(String, SearchesStepOverWholeCharacters) {
 TEST(String, BackwardSearchesAreLinear) {
   GCL_String s('a', 1u << 20);
   for (unsigned int i = 0; i < s.length(); i += 100) s.put_at(i, '/');
-  for (int i = 0; i < 20; ++i) {
+  for (int i = 0; i < 5; ++i) {
     EXPECT_EQ(s.rfind("/"), 1048500u);
     EXPECT_EQ(s.find_last_of("/"), 1048500u);
     EXPECT_EQ(s.find_last_not_of("a"), 1048500u);
