@@ -1,5 +1,7 @@
 #include "miroxgcl/gcl_err_msg_stack.h"
 
+#include "miroxgcl/gcl_debug.h"  // holds an initialiser: statuses are what traces are about
+
 GCL_ErrMsgStack::GCL_ErrMsgStack() = default;
 
 GCL_ErrMsgStack::GCL_ErrMsgStack(GCL_ErrMsgStack const& other) = default;

@@ -41,7 +41,6 @@ GCL_Status& GCL_Status::operator=(GCL_Status const& other) {
 }
 
 GCL_Status& GCL_Status::operator=(GCL_Status&& other) noexcept {
-  if (&other == this) return *this;
   m_value = std::exchange(other.m_value, 0);
   m_message_stack = std::move(other.m_message_stack);
   return *this;
