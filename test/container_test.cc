@@ -263,6 +263,10 @@ TEST_F(containers, only_the_shorter_side_moves) {
   a.Remove(4);
   a.Insert('!', 2);  // as many before as behind: those before move
   EXPECT_EQ(picture(a), "b!cde..a 7-3");
+  a = abcde('<');
+  a.Remove(4);
+  a.Remove(2);
+  EXPECT_EQ(picture(a), "aabde... 1-3");
 }
 
 TEST_F(containers, runs_end_where_they_meet_the_edge) {
@@ -337,12 +341,12 @@ TEST_F(containers, arguments_may_be_items_of_their_own) {
 
 // --- Failures.
 
-// Fails `run` at each of its points in turn, on a container that has room and on a full one, which
-// then holds what it held, if it `keeps` its value, else as many items; and works on.
+// Fails `run` at each of its points in turn, on containers with room and on a full one, which then
+// hold what they held, if they `keep` their value, else as many items; and work on.
 template <class T, class C>
-void check_failures(C const& empty, bool keeps, std::function<void(C&, T const&)> const& run) {
+void check_failures(C const& empty, bool keep, std::function<void(C&, T const&)> const& run) {
   T const added(99);
-  for (unsigned int n : {3u, 4u}) {
+  for (unsigned int n : {3u, 4u, 7u}) {
     int point = 0;
     for (bool failed = true; failed;) {
       C c = filled<T>(empty, static_cast<int>(n), 2);
@@ -357,8 +361,8 @@ void check_failures(C const& empty, bool keeps, std::function<void(C&, T const&)
       s_fuse = 0;
       if (!failed) continue;
       ASSERT_EQ(c.Length(), n) << point;
-      if (!keeps) expected = content(c);
-      for (T const& x : expected) ASSERT_TRUE(0 <= x.value && x.value < 4) << x.value;
+      if (!keep) expected = content(c);
+      for (T const& x : expected) ASSERT_TRUE(0 <= x.value && x.value < 7) << x.value;
       for (int k = 0; k < 6; ++k) c.Append(added), expected.push_back(added);
       ASSERT_TRUE(content(c) == expected) << point;
     }

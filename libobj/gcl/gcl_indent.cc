@@ -84,7 +84,7 @@ void fill(Text& result, std::string_view format, std::string_view title) {
 
 char const* fill_for(Text& result, GCL_String const& format, GCL_String const& title) {
   result.clear();
-  if (format.length() != 0 && title.length() != 0) fill(result, view(format), view(title));
+  if (title.length() != 0) fill(result, view(format), view(title));
   return result.c_str();
 }
 

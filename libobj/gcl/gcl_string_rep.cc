@@ -1,5 +1,6 @@
 #include "miroxgcl/gcl_string_rep.h"
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -12,13 +13,6 @@ namespace {
 
 constexpr int to_lower_case = 1;  // the string utility's mode
 
-// The growth rule: the capacity of a buffer into which `n` bytes must fit, n > 0.
-unsigned int capacity_for(unsigned int n) {
-  unsigned int const grown = n <= 63 ? 2 * n : n <= 255 ? n + n / 2 : n + n / 4;
-  unsigned int const at_least = grown < 8 ? 8 : grown;
-  return at_least < n ? n : at_least;  // the sum wrapped
-}
-
 // One step of both hashes. Only the top bit comes round: it is not a rotation.
 unsigned int mix(unsigned int h, unsigned int word) { return ((h << 5) | (h >> 31)) ^ word; }
 
@@ -29,7 +23,14 @@ unsigned int little_endian_word(char const* p) {
 
 }  // namespace
 
-// Refuses a length first: near 2^32 the room for its terminator would wrap to nothing.
+unsigned int GCL_StringRep::capacity_for(unsigned int n) {
+  unsigned int const grown = n <= 63 ? 2 * n : n <= 255 ? n + n / 2 : n + n / 4;
+  unsigned int const at_least = grown < 8 ? 8 : grown;
+  return at_least < n ? n : at_least;  // the sum wrapped
+}
+
+// Refuses a length first: near 2^32 the room for its terminator would wrap to
+// nothing.
 char* GCL_StringRep::allocate(unsigned int length, unsigned int reserve, unsigned int* capacity) {
   if (length > max_length) refuse_length();
   *capacity = capacity_for(reserve > length ? reserve : length + 1);
@@ -52,6 +53,31 @@ bool GCL_StringRep::operator==(GCL_Body const* other) const {
   if (other == nullptr) return m_length == 0;
   auto const& rep = static_cast<GCL_StringRep const&>(*other);
   return m_length == rep.m_length && std::memcmp(m_buffer, rep.m_buffer, m_length) == 0;
+}
+
+GCL_StringRep::Growth::Growth(GCL_StringRep const* rep)
+    : length(rep != nullptr ? rep->m_length : 0),
+      capacity(rep != nullptr && rep->reference_count() <= 1 ? rep->m_capacity : 0),
+      reserve(0) {}
+
+void GCL_StringRep::Growth::unshare(unsigned int room) {
+  if (capacity != 0) return;
+  reserve = room;
+  capacity = capacity_for(room);
+}
+
+void GCL_StringRep::Growth::add(unsigned int step, unsigned int count) {
+  while (count != 0) {
+    unsigned int const room = length < capacity ? capacity - 1 - length : 0;
+    unsigned int const fit = std::min(count, room / step);
+    length += fit * step;
+    count -= fit;
+    if (count == 0) return;
+    length += step;
+    --count;
+    reserve = length;
+    capacity = capacity_for(length);
+  }
 }
 
 unsigned int GCL_StringRep::hash() const {
@@ -80,8 +106,8 @@ unsigned int GCL_StringRep::hash_fold_case() const {
   return h;
 }
 
-// Static memory that nothing destroys: strings of other static objects may share the body for as
-// long as the process lives.
+// Static memory that nothing destroys: strings of other static objects may
+// share the body for as long as the process lives.
 void GCL_StringRep::build_null_instance() noexcept {
   alignas(GCL_StringRep) static unsigned char place[sizeof(GCL_StringRep)];
   static char buffer[null_capacity];

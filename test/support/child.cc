@@ -18,85 +18,54 @@ namespace {
 constexpr char child_option[] = "--run-in-child";
 constexpr unsigned int longest_run = 60;  // seconds
 
-[[noreturn]] void fail(char const* what) {
-  throw std::system_error(errno, std::generic_category(), what);
-}
-
 // A file, unlike a pipe, takes any amount of output before anyone reads it.
-class output_file {
- public:
-  output_file() : m_file(std::tmpfile()) {
-    if (m_file == nullptr) fail("tmpfile");
-  }
-  int descriptor() const { return fileno(m_file.get()); }
-  std::string text() const {
-    std::string result;
-    char piece[4096];
-    std::rewind(m_file.get());
-    while (std::size_t const n = std::fread(piece, 1, sizeof piece, m_file.get())) {
-      result.append(piece, n);
-    }
-    return result;
-  }
+using output_file = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
- private:
-  struct closer {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-  std::unique_ptr<std::FILE, closer> m_file;
-};
+std::string text_of(std::FILE* file) {
+  std::string text;
+  std::rewind(file);
+  for (int c = std::getc(file); c != EOF; c = std::getc(file)) text += static_cast<char>(c);
+  return text;
+}
 
 // The program lies elsewhere in each process, but its functions lie at the same distances.
 std::uintptr_t origin() { return reinterpret_cast<std::uintptr_t>(&run_in_child); }
 
-std::string distance_of(void (*body)()) {
-  return std::to_string(reinterpret_cast<std::uintptr_t>(body) - origin());
-}
-
-void run_body(char const* distance) {
-  std::uintptr_t const address = origin() + std::strtoul(distance, nullptr, 10);
-  reinterpret_cast<void (*)()>(address)();
-}
-
-[[noreturn]] void start_anew(void (*body)(), child_environment const& variables,
-                             output_file const& out, output_file const& err) {
+[[noreturn]] void start_anew(void (*body)(), child_environment const& variables, std::FILE* out,
+                             std::FILE* err) {
   for (auto const& [name, value] : variables) {
     value != nullptr ? setenv(name, value, 1) : unsetenv(name);
   }
   rlimit const no_core_file = {};
   setrlimit(RLIMIT_CORE, &no_core_file);
   alarm(longest_run);
-  dup2(out.descriptor(), STDOUT_FILENO);
-  dup2(err.descriptor(), STDERR_FILENO);
-  execl("/proc/self/exe", program_invocation_name, child_option, distance_of(body).c_str(),
-        static_cast<char*>(nullptr));
+  dup2(fileno(out), STDOUT_FILENO);
+  dup2(fileno(err), STDERR_FILENO);
+  std::string const distance = std::to_string(reinterpret_cast<std::uintptr_t>(body) - origin());
+  execl("/proc/self/exe", program_invocation_name, child_option, distance.c_str(), nullptr);
   _exit(127);
 }
 
 }  // namespace
 
 child_result run_in_child(void (*body)(), child_environment const& variables) {
-  output_file const out, err;
-  pid_t const child = fork();
-  if (child < 0) fail("fork");
-  if (child == 0) start_anew(body, variables, out, err);
+  output_file const out(std::tmpfile(), std::fclose), err(std::tmpfile(), std::fclose);
+  pid_t const child = out != nullptr && err != nullptr ? fork() : -1;
+  if (child == 0) start_anew(body, variables, out.get(), err.get());
 
   int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) fail("waitpid");
+  if (child < 0 || waitpid(child, &status, 0) != child) {
+    throw std::system_error(errno, std::generic_category(), "child");
   }
-  child_result result;
-  result.out = out.text();
-  result.err = err.text();
-  if (WIFEXITED(status)) result.exit_code = WEXITSTATUS(status);
-  if (WIFSIGNALED(status)) result.signal = WTERMSIG(status);
-  return result;
+  return {text_of(out.get()), text_of(err.get()), WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+          WIFSIGNALED(status) ? WTERMSIG(status) : 0};
 }
 
 // Takes the place of the testing framework's own.
 int main(int argc, char** argv) {
   if (argc == 3 && std::strcmp(argv[1], child_option) == 0) {
-    run_body(argv[2]);
+    auto const address = origin() + static_cast<std::uintptr_t>(std::strtoul(argv[2], nullptr, 10));
+    reinterpret_cast<void (*)()>(address)();
     return 0;
   }
   testing::InitGoogleTest(&argc, argv);

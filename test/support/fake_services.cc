@@ -1,53 +1,30 @@
 #include "support/fake_services.h"
 
-#include <dlfcn.h>
-
-#include <cstdio>
-#include <cstdlib>
+#include "support/replaced.h"
 
 namespace {
 
 fake_services* s_current = nullptr;
 
 // Arguments as they are recorded; empty for a place that a result goes to.
-std::string recorded(char const* text) {
-  return text != nullptr ? "'" + std::string(text) + "'" : "null";
-}
-std::string recorded(int number) { return std::to_string(number); }
+std::string recorded(char const* text) { return "'" + std::string(text) + "', "; }
+std::string recorded(int number) { return std::to_string(number) + ", "; }
 std::string recorded(credutl_sid_s const* sid) {
-  return {reinterpret_cast<char const*>(sid->bytes), sizeof sid->bytes};
+  return std::string(reinterpret_cast<char const*>(sid->bytes), sizeof sid->bytes) + ", ";
 }
 std::string recorded(credutl_sid_s*) { return {}; }
 std::string recorded(char*) { return {}; }
 
-template <class... Arguments>
-std::string recorded_call(char const* name, Arguments... arguments) {
-  std::string list;
-  for (std::string const& argument : std::vector<std::string>{recorded(arguments)...}) {
-    if (!argument.empty()) list += (list.empty() ? "" : ", ") + argument;
-  }
-  return std::string(name) + "(" + list + ")";
-}
-
-// The service's own function, which the one of the same name in this program hides.
-template <class Function>
-Function* real(char const* name) {
-  void* const function = dlsym(RTLD_NEXT, ("sysutl_" + std::string(name)).c_str());
-  if (function == nullptr) {
-    std::fprintf(stderr, "There is no service %s behind the fake one.\n", name);
-    std::abort();
-  }
-  return reinterpret_cast<Function*>(function);
-}
-
 template <class Result, class... Arguments>
-Result call(std::function<Result(Arguments...)> fake_services::*hook, char const* name,
+Result call(std::function<Result(Arguments...)> fake_services::*hook, std::string const& name,
             Arguments... arguments) {
   if (s_current != nullptr) {
-    s_current->calls.push_back(recorded_call(name, arguments...));
+    std::string const list = (std::string() + ... + recorded(arguments));
+    s_current->calls.push_back(name + "(" + list.substr(0, list.rfind(',')) + ")");
     if (s_current->*hook) return (s_current->*hook)(arguments...);
   }
-  return real<Result(Arguments...)>(name)(arguments...);
+  Result (*const service)(Arguments...) = nullptr;  // for its type
+  return replaced(service, ("sysutl_" + name).c_str())(arguments...);
 }
 
 }  // namespace

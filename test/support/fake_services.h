@@ -14,11 +14,9 @@
 
 #include "miroxplat/sysutl.h"
 
-class fake_services {
- public:
+struct fake_services {
   fake_services();
-  fake_services(fake_services const&) = delete;
-  fake_services& operator=(fake_services const&) = delete;
+  fake_services(fake_services&&) = delete;
   ~fake_services();
 
   // One a service, named as it is without "sysutl_".

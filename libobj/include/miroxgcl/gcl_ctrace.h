@@ -17,8 +17,8 @@
 
 // Traces end in the reverse order of their start. Every trace takes a number, enabled or not, so
 // that the numbers in a log have gaps; the lines of nested enabled traces are indented one step
-// more. Whether a trace is enabled is asked at its start and again at its end. Writing lines
-// allocates nothing; a message is built by its caller.
+// more. Whether a trace is enabled is asked at its start and again at its end. Entry and
+// exit lines allocate nothing; a message is built by its caller.
 class MIROXGCL_API GCL_Ctrace {
  public:
   // The names are not copied and must outlive the trace.

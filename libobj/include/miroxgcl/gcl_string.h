@@ -110,8 +110,20 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   // case; with `n` 0 and no text, to no body. The value stays.
   GCL_String const& reserve(unsigned int n) const;
 
-  // --- Search. The answer is a byte position, or npos. The text and what is sought are seen up to
-  // their first NUL.
+  // --- Line ends and formatting, up to the first NUL. One pass; what is shared or has room is as
+  // after the single edits that a conversion is made of. Each returns the string.
+
+  // Whether a line feed and a carriage return stand side by side anywhere.
+  bool is_pc_mode() const;
+  // Removes every carriage return.
+  GCL_String& from_pc_mode();
+  // Removes every carriage return, then puts one before each line feed.
+  GCL_String& to_pc_mode();
+  // Removes the message service's style sequences, in a new body in every case.
+  GCL_String& remove_formatting();
+
+  // --- Search. The answer is a byte position, or npos. What is sought is seen up to its first NUL,
+  // the text from where the search begins up to the next.
 
   // The first place at or after `pos` where `s` stands. An empty `s` stands at every byte.
   unsigned int find(GCL_String const& s, unsigned int pos = 0) const;
@@ -135,7 +147,13 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   unsigned int hash_fold_case() const { return body() != nullptr ? body()->hash_fold_case() : 0; }
 
  private:
+  friend MIROXGCL_API std::istream& operator>>(std::istream& is, GCL_String& s);
+  friend MIROXGCL_API std::istream& getline(std::istream& is, GCL_String& s, char delim);
+  class Input;
+
   GCL_String& do_replace(unsigned int pos, unsigned int n, char const* src, unsigned int srclen);
+  GCL_String& convert_line_ends(bool to_pc);
+  void append_in_chunks(char const* data, unsigned int n, GCL_String& spare);
   bool may_change_in_place(unsigned int newlen) const noexcept;
 };
 
@@ -145,6 +163,18 @@ inline bool operator==(GCL_String const& a, GCL_String const& b) noexcept {
 inline bool operator!=(GCL_String const& a, GCL_String const& b) noexcept {
   return a.compare(b) != 0;
 }
+
+// Writes exactly the bytes of `s`, NUL too; width and fill of the stream play no part.
+MIROXGCL_API std::ostream& operator<<(std::ostream& os, GCL_String const& s);
+
+// Reads a line without its delimiter, which is taken from the stream, or a word, which ends before a
+// whitespace character; before a word, whitespace is skipped as the stream's flags say. The length
+// has no limit, and the string grows by 32 bytes at a time.
+//
+// The stream stays good when anything was read, also when the input ended there; otherwise it fails
+// and `s` is empty. An empty line is a success. When the stream throws, what was read is in `s`.
+MIROXGCL_API std::istream& getline(std::istream& is, GCL_String& s, char delim = '\n');
+MIROXGCL_API std::istream& operator>>(std::istream& is, GCL_String& s);
 
 static_assert(sizeof(GCL_String) == sizeof(void*), "a string is one pointer");
 

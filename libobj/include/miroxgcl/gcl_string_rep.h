@@ -51,7 +51,25 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
  private:
   friend class GCL_String;
 
+  // The growth rule: the capacity of a buffer into which `n` bytes must fit, n > 0.
+  static unsigned int capacity_for(unsigned int n);
   static constexpr unsigned int null_capacity = 8;
+  // Foresees the bodies that a series of edits of one string would build, so that the last can be
+  // built at once.
+  struct Growth {
+    // Before the first edit of a string that holds `rep`, which may be null.
+    explicit Growth(GCL_StringRep const* rep);
+
+    // An edit that needs `room` bytes at most if it must build a body, and surely fits in place.
+    void unshare(unsigned int room);
+    // `count` edits that add `step` bytes each. REQUIRES: the sum is at most max_length.
+    void add(unsigned int step, unsigned int count);
+
+    unsigned int length;    // of the text
+    unsigned int capacity;  // of the body; 0 while none may be changed in place
+    unsigned int reserve;   // what the last body was built with; 0 when none was
+  };
+
   static char* allocate(unsigned int length, unsigned int reserve, unsigned int* capacity);
   static void build_null_instance() noexcept;
   explicit GCL_StringRep(char (&null_buffer)[null_capacity]) noexcept;

@@ -32,10 +32,10 @@
 #include "miroxgcl/lx_precondition.h"
 #include "miroxgcl/lx_unmanaged.h"
 
-// When T's copying or M throws, the array keeps its value; an assignment leaves it empty. (A T that
-// can be neither copied nor moved without throwing may leave items doubled in a positioned
-// insertion or removal.) A slot that an item has left keeps a copy of it until it is overwritten or
-// the slots are released, where copying cannot throw.
+// When T's copying or M throws, the array keeps its value; an assignment leaves it empty where the
+// new items have begun to come. (A T that can be neither copied nor moved without throwing may leave
+// items doubled in a positioned insertion or removal.) A slot that an item has left keeps a copy of
+// it until it is overwritten or the slots are released, where copying cannot throw.
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TDynamic {
  public:

@@ -16,21 +16,21 @@ extern "C" {
 // bytes; 0 when `n` is 0.
 MIROXPLAT_API unsigned int strutl_mblen(char const* p, unsigned int n);
 
-// Non-zero when `pattern` occurs in `text` at or after byte `start`; `*index` is then its byte
-// position. REQUIRES: start <= strlen(text), pattern not empty.
+// Non-zero when `pattern` occurs in `text` between byte `start` and the next NUL; `*index` is then
+// its byte position. An empty pattern is not found.
 MIROXPLAT_API int strutl_find_str(char const* text, unsigned int start, char const* pattern,
                                   unsigned int* index);
 
-// Non-zero when a character of `set` occurs in `text` at or after byte `start`; `*index` is then its
-// byte position in the text and `*second` that of the matching character in the set.
-// REQUIRES: start <= strlen(text).
+// Non-zero when a character of `set` occurs in `text` between byte `start` and the next NUL; `*index`
+// is then its byte position in the text and `*second` that of the matching character in the set.
 MIROXPLAT_API int strutl_find_char_from(char const* text, unsigned int start, char const* set,
                                         unsigned int* index, unsigned int* second);
 
 // Copies at most `size` bytes of `text`, terminating NUL included, to `dest`. Mode 1 turns ASCII
 // capitals into small letters and leaves every other byte; any other mode copies unchanged.
 // Nothing is written when `size` is 0.
-MIROXPLAT_API void strutl_cvt_case_string(char const* text, int mode, unsigned int size, char* dest);
+MIROXPLAT_API void strutl_cvt_case_string(char const* text, int mode, unsigned int size,
+                                          char* dest);
 
 // 0 and the byte index at which the last character of `text` begins, looking at the bytes from
 // `first` up to but not including `last` (-1: the end of the text); non-zero when that is empty.

@@ -1,0 +1,46 @@
+// GCL_Pathname: a string that holds a pathname of the file system.
+#ifndef MIROXGCL_GCL_PATHNAME_H
+#define MIROXGCL_GCL_PATHNAME_H
+
+#include "miroxgcl/gcl_string.h"
+
+// Shares its body with the string it was made from, as strings do. A derived pathname that cannot
+// be had (the result would be longer than 1023 bytes, the current directory is gone, ...) is the
+// empty one.
+class MIROXGCL_API GCL_Pathname : public GCL_String {
+ public:
+  GCL_Pathname() noexcept = default;
+  GCL_Pathname(GCL_String const& s) : GCL_String(s) {}  // NOLINT(google-explicit-constructor)
+
+  // "/".
+  static char const* separator() noexcept;
+
+  // Whether the text begins with the separator. The empty pathname is relative.
+  bool is_absolute() const noexcept { return *c_str() == m_seperator_char; }
+  bool is_relative() const noexcept { return !is_absolute(); }
+
+  // Joins `other` onto this pathname with one separator at the seam: adds it unless this pathname
+  // is empty or ends with it, and drops one that `other` begins with. "a" with "" becomes "a/", ""
+  // with
+  // "/b" becomes "b". `other` may be this object. When memory is lacking, throws and leaves the
+  // value as it was.
+  GCL_Pathname& append_path(GCL_Pathname const& other);
+
+  // The absolute form: the current directory in front, `.`, `..` and doubled separators resolved by
+  // the text alone.
+  GCL_Pathname absolute() const;
+
+  // The directory part and the last component, as dirname(1) and basename(1) split.
+  GCL_Pathname dirname() const;
+  GCL_Pathname basename() const;
+
+  // Where an existing file is: the source of the mounted file system, its mount point, and the path
+  // below that; all three empty when the file does not exist. What the arguments held is lost.
+  void components(GCL_String& source, GCL_Pathname& mount, GCL_Pathname& below) const;
+
+ private:
+  static constexpr char m_seperator_char = '/';
+  static GCL_String m_seperator;
+};
+
+#endif

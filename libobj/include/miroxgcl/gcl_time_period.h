@@ -1,0 +1,44 @@
+// GCL_TimePeriod: a begin, an end and a duration, side by side.
+#ifndef MIROXGCL_GCL_TIME_PERIOD_H
+#define MIROXGCL_GCL_TIME_PERIOD_H
+
+#include <cstdint>
+
+#include "miroxgcl/gcl_datetime.h"
+
+// The three are set independently: none follows from the others, and none is checked against them.
+// A duration is in the duration service's unit, seconds; it can also be set and read as days.
+// 4294967295 is a marker, not a duration; as days it is 4294967296, exactly.
+class MIROXGCL_API GCL_TimePeriod {
+ public:
+  // No begin, no end, and the marker.
+  GCL_TimePeriod() noexcept : m_duration(marker) {}
+  GCL_TimePeriod(GCL_DateTime const& begin, GCL_DateTime const& end, unsigned int duration) noexcept
+      : m_begin(begin), m_end(end), m_duration(duration) {}
+  GCL_TimePeriod(GCL_DateTime const& begin, GCL_DateTime const& end, float days)
+      : m_begin(begin), m_end(end), m_duration(from_days(days)) {}
+
+  GCL_DateTime const& begin() const noexcept { return m_begin; }
+  GCL_DateTime const& end() const noexcept { return m_end; }
+  void set_begin(GCL_DateTime const& begin) noexcept { m_begin = begin; }
+  void set_end(GCL_DateTime const& end) noexcept { m_end = end; }
+
+  unsigned int duration() const noexcept { return m_duration; }
+  void set_duration(unsigned int duration) noexcept { m_duration = duration; }
+
+  // The duration in days, rounded to a float; set from days, rounded to the nearest second and kept
+  // within 0 to 4294967294, 0 for what is not a number.
+  void duration(float& days) const;
+  void set_duration(float days) { m_duration = from_days(days); }
+
+ private:
+  static constexpr std::uint32_t marker = 4294967295u;
+  static constexpr float marker_days = 4294967296.0f;
+  static std::uint32_t from_days(float days);
+
+  GCL_DateTime m_begin;
+  GCL_DateTime m_end;
+  std::uint32_t m_duration;
+};
+
+#endif

@@ -1,0 +1,41 @@
+// Administrative handles: each stands for one acquisition of a name.
+//
+// A handle's value is never given twice while the process lives, and never 0; one name may be held
+// by many handles. Any thread may call.
+#ifndef MIROXPLAT_ADM_H
+#define MIROXPLAT_ADM_H
+
+#include "miroxplat/plat_config.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef unsigned int adm_handle_t;
+
+enum {
+  ADM_MAX_NAME_LENGTH = 255,  // bytes
+  ADM_MAX_HANDLES = 4096      // held at the same time
+};
+
+// What adm_get_handle returns.
+enum {
+  ADM_OK = 0,
+  ADM_EMPTY_NAME = 1,
+  ADM_LONG_NAME = 2,
+  ADM_TABLE_FULL = 3,
+  ADM_NO_PLACE = 4  // a null `handle`
+};
+
+// Acquires a handle on `name`, to be freed with adm_free_handle. On failure prints an error, sets
+// `*handle` to 0 and returns one of the codes above.
+MIROXPLAT_API int adm_get_handle(char const* name, adm_handle_t* handle);
+
+// Frees the handle and sets `*handle` to 0. A value that is no handle's (any more) frees nothing.
+MIROXPLAT_API void adm_free_handle(adm_handle_t* handle);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,70 @@
+#include "miroxplat/adm.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <mutex>
+
+#include "miroxplat/imsg.h"
+
+namespace {
+
+constexpr int error_slot = 6;
+
+std::mutex s_mutex;  // guards the two below
+adm_handle_t s_last = 0;
+adm_handle_t s_held[ADM_MAX_HANDLES] = {};  // 0: free
+
+// A new handle, or 0 when none is left.
+adm_handle_t add_handle() {
+  std::lock_guard const lock(s_mutex);
+  adm_handle_t* const place = std::find(std::begin(s_held), std::end(s_held), 0u);
+  if (place == std::end(s_held) || s_last == std::numeric_limits<adm_handle_t>::max()) return 0;
+  return *place = ++s_last;
+}
+
+// 0, or the code and printed error for a name that nothing can have.
+int check_name(char const* name) {
+  if (name == nullptr || *name == '\0') {
+    imsg_print(error_slot,
+               "The name \"\" of an administrative handle is empty: it must have 1 to %d bytes. "
+               "Give the name of what is to be administered.\n",
+               -1, int{ADM_MAX_NAME_LENGTH});
+    return ADM_EMPTY_NAME;
+  }
+  std::size_t const length = std::strlen(name);
+  if (length <= ADM_MAX_NAME_LENGTH) return ADM_OK;
+  imsg_print(error_slot,
+             "The name \"%s\" of an administrative handle has %zu bytes: it must have 1 to %d. "
+             "Give a shorter one.\n",
+             -1, name, length, int{ADM_MAX_NAME_LENGTH});
+  return ADM_LONG_NAME;
+}
+
+}  // namespace
+
+int adm_get_handle(char const* name, adm_handle_t* handle) {
+  if (handle == nullptr) {
+    imsg_print(error_slot, "The address for an administrative handle is null. Give a variable's.\n",
+               -1);
+    return ADM_NO_PLACE;
+  }
+  *handle = 0;
+  if (int const code = check_name(name); code != ADM_OK) return code;
+  *handle = add_handle();
+  if (*handle != 0) return ADM_OK;
+  imsg_print(error_slot,
+             "No administrative handle is left for \"%s\": a process can hold %d. Free those no "
+             "longer needed.\n",
+             -1, name, int{ADM_MAX_HANDLES});
+  return ADM_TABLE_FULL;
+}
+
+void adm_free_handle(adm_handle_t* handle) {
+  if (handle == nullptr) return;
+  if (*handle != 0) {
+    std::lock_guard const lock(s_mutex);
+    std::replace(std::begin(s_held), std::end(s_held), *handle, 0u);
+  }
+  *handle = 0;
+}
