@@ -3,8 +3,10 @@
 #define MIROXGCL_GCL_H
 
 #include "miroxgcl/drl_list_base.h"
+#include "miroxgcl/gcl_admin_handle.h"
 #include "miroxgcl/gcl_assert.h"
 #include "miroxgcl/gcl_body.h"
+#include "miroxgcl/gcl_credentials.h"
 #include "miroxgcl/gcl_ctrace.h"
 #include "miroxgcl/gcl_datetime.h"
 #include "miroxgcl/gcl_debug.h"
@@ -14,12 +16,17 @@
 #include "miroxgcl/gcl_imsg_collector.h"
 #include "miroxgcl/gcl_imsg_redirect.h"
 #include "miroxgcl/gcl_indent.h"
+#include "miroxgcl/gcl_integer_list.h"
 #include "miroxgcl/gcl_msg_tables.h"
 #include "miroxgcl/gcl_os_group.h"
+#include "miroxgcl/gcl_os_group_list.h"
 #include "miroxgcl/gcl_os_user.h"
+#include "miroxgcl/gcl_os_user_list.h"
 #include "miroxgcl/gcl_pathname.h"
 #include "miroxgcl/gcl_status.h"
 #include "miroxgcl/gcl_status_base.h"
+#include "miroxgcl/gcl_status_list.h"
+#include "miroxgcl/gcl_stg_area_rep.h"
 #include "miroxgcl/gcl_string.h"
 #include "miroxgcl/gcl_string_list.h"
 #include "miroxgcl/gcl_time_period.h"
@@ -28,5 +35,6 @@
 #include "miroxgcl/lx_stack.h"
 #include "miroxgcl/lx_unbounded.h"
 #include "miroxgcl/lx_unmanaged.h"
+#include "miroxgcl/tbs_version_id.h"
 
 #endif

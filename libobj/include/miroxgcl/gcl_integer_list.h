@@ -1,0 +1,35 @@
+// GCL_IntegerList: a collection of int; and the collections of untyped pointers.
+#ifndef MIROXGCL_GCL_INTEGER_LIST_H
+#define MIROXGCL_GCL_INTEGER_LIST_H
+
+#include "miroxgcl/lx_dynamic.h"
+
+extern template class LX_TCollection<int>;
+extern template class LX_TCollectionActiveIterator<int>;
+extern template class LX_TDynamic<int, LX_CUnmanaged>;
+extern template class LX_TDynamicCollection<int, LX_CUnmanaged>;
+
+// Pointers are stored; what they point at is not owned.
+extern template class LX_TCollection<void*>;
+extern template class LX_TCollectionActiveIterator<void*>;
+extern template class LX_TDynamic<void*, LX_CUnmanaged>;
+extern template class LX_TDynamicCollection<void*, LX_CUnmanaged>;
+
+// All operations are LX_TDynamicCollection's.
+class MIROXGCL_API GCL_IntegerList : public LX_TDynamicCollection<int, LX_CUnmanaged> {
+ public:
+  using Base = LX_TDynamicCollection<int, LX_CUnmanaged>;
+
+  // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
+  explicit GCL_IntegerList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
+  GCL_IntegerList(GCL_IntegerList const& other) = default;
+  GCL_IntegerList(GCL_IntegerList&& other) noexcept = default;
+  ~GCL_IntegerList() override;
+
+  // Take the items; this list keeps its own chunk size.
+  GCL_IntegerList& operator=(GCL_IntegerList const& other);
+  GCL_IntegerList& operator=(GCL_IntegerList&& other) noexcept = default;
+  using Base::operator=;
+};
+
+#endif

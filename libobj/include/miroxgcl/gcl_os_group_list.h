@@ -1,0 +1,31 @@
+// GCL_OSGroupList: a collection of groups of the operating system.
+#ifndef MIROXGCL_GCL_OS_GROUP_LIST_H
+#define MIROXGCL_GCL_OS_GROUP_LIST_H
+
+#include "miroxgcl/gcl_os_group.h"
+#include "miroxgcl/lx_dynamic.h"
+
+extern template class LX_TCollection<GCL_OSGroup>;
+extern template class LX_TCollectionActiveIterator<GCL_OSGroup>;
+extern template class LX_TDynamic<GCL_OSGroup, LX_CUnmanaged>;
+extern template class LX_TDynamicCollection<GCL_OSGroup, LX_CUnmanaged>;
+
+// All operations are LX_TDynamicCollection's.
+class MIROXGCL_API GCL_OSGroupList : public LX_TDynamicCollection<GCL_OSGroup, LX_CUnmanaged> {
+ public:
+  using Base = LX_TDynamicCollection<GCL_OSGroup, LX_CUnmanaged>;
+
+  // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
+  explicit GCL_OSGroupList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
+  GCL_OSGroupList(GCL_OSGroupList const& other) = default;
+  GCL_OSGroupList(GCL_OSGroupList&& other) noexcept = default;
+  ~GCL_OSGroupList() override;
+
+  // Take the items, from whatever collection; this list keeps its own chunk size.
+  GCL_OSGroupList& operator=(LX_TCollection<GCL_OSGroup> const& other) override;
+  GCL_OSGroupList& operator=(Base const& other) override;
+  virtual GCL_OSGroupList& operator=(GCL_OSGroupList const& other);
+  GCL_OSGroupList& operator=(GCL_OSGroupList&& other) noexcept = default;
+};
+
+#endif

@@ -1,0 +1,35 @@
+// GCL_OSUserList: a collection of users of the operating system.
+#ifndef MIROXGCL_GCL_OS_USER_LIST_H
+#define MIROXGCL_GCL_OS_USER_LIST_H
+
+#include "miroxgcl/gcl_os_user.h"
+#include "miroxgcl/lx_dynamic.h"
+
+extern template class LX_TCollection<GCL_OSUser>;
+extern template class LX_TCollectionActiveIterator<GCL_OSUser>;
+extern template class LX_TDynamic<GCL_OSUser, LX_CUnmanaged>;
+extern template class LX_TDynamicCollection<GCL_OSUser, LX_CUnmanaged>;
+
+// All operations are LX_TDynamicCollection's.
+class MIROXGCL_API GCL_OSUserList : public LX_TDynamicCollection<GCL_OSUser, LX_CUnmanaged> {
+ public:
+  using Base = LX_TDynamicCollection<GCL_OSUser, LX_CUnmanaged>;
+
+  // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
+  explicit GCL_OSUserList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
+  GCL_OSUserList(GCL_OSUserList const& other) = default;
+  GCL_OSUserList(GCL_OSUserList&& other) noexcept = default;
+  ~GCL_OSUserList() override;
+
+  // Take the items, from whatever collection; this list keeps its own chunk size.
+  GCL_OSUserList& operator=(LX_TCollection<GCL_OSUser> const& other) override;
+  GCL_OSUserList& operator=(Base const& other) override;
+  virtual GCL_OSUserList& operator=(GCL_OSUserList const& other);
+  GCL_OSUserList& operator=(GCL_OSUserList&& other) noexcept = default;
+
+  // An empty list for all to share; nothing is ever put in it. It exists while the library is
+  // loaded.
+  static GCL_OSUserList nil;
+};
+
+#endif
