@@ -29,8 +29,7 @@ unsigned int GCL_StringRep::capacity_for(unsigned int n) {
   return at_least < n ? n : at_least;  // the sum wrapped
 }
 
-// Refuses a length first: near 2^32 the room for its terminator would wrap to
-// nothing.
+// Refuses a length first: near 2^32 the room for its terminator would wrap to nothing.
 char* GCL_StringRep::allocate(unsigned int length, unsigned int reserve, unsigned int* capacity) {
   if (length > max_length) refuse_length();
   *capacity = capacity_for(reserve > length ? reserve : length + 1);
@@ -106,8 +105,8 @@ unsigned int GCL_StringRep::hash_fold_case() const {
   return h;
 }
 
-// Static memory that nothing destroys: strings of other static objects may
-// share the body for as long as the process lives.
+// Static memory that nothing destroys: strings of other static objects may share the body for as
+// long as the process lives.
 void GCL_StringRep::build_null_instance() noexcept {
   alignas(GCL_StringRep) static unsigned char place[sizeof(GCL_StringRep)];
   static char buffer[null_capacity];

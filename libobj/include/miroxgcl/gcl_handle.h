@@ -20,7 +20,7 @@ class GCL_Handle : public GCL_HandleBase {
 
   GCL_Handle& operator=(GCL_Handle const& other) noexcept { return set_rep(other.body()); }
   GCL_Handle& operator=(GCL_Handle&& other) noexcept {
-    if (this != &other) this->replace_body(static_cast<T*>(std::exchange(other.m_body, nullptr)));
+    this->replace_body(static_cast<T*>(std::exchange(other.m_body, nullptr)));
     return *this;
   }
   // Takes `rep`, which may be null, and lets the old body go.

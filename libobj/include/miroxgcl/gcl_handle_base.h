@@ -29,7 +29,7 @@ class MIROXGCL_API GCL_HandleBase {
   }
   GCL_HandleBase& operator=(GCL_HandleBase const& other) noexcept { return *this = other.m_body; }
   GCL_HandleBase& operator=(GCL_HandleBase&& other) noexcept {
-    if (this != &other) replace_body(std::exchange(other.m_body, nullptr));
+    replace_body(std::exchange(other.m_body, nullptr));
     return *this;
   }
 

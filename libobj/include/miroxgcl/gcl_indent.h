@@ -1,8 +1,9 @@
 // GCL_Indent: indents nested diagnostic printouts.
 //
-//   GCL_Indent const block("Outer");               // standard error: "\nBEGIN Outer\n"
-//   std::cerr << GCL_Indent(nullptr) << "a line\n";  // " a line\n": one step deep
-//   }                                              // "END Outer\n"
+//   {
+//     GCL_Indent const block("Outer");                 // standard error: "\nBEGIN Outer\n"
+//     std::cerr << GCL_Indent(nullptr) << "a line\n";  // " a line\n": one step deep
+//   }                                                  // "END Outer\n"
 //
 // The first object of the process reads three variables, and says so on standard output:
 // GCL_INDENT_STRING, the text of one step (a space), GCL_INDENT_HEADER_FORMAT ("BEGIN %s") and

@@ -3,8 +3,7 @@
 // Indices count from 0 and are unsigned; truth values are int, 1 and 0. Items are held by value; a
 // reference that a collection hands out stands until the next operation that changes it.
 //
-//   for (LX_TCollectionActiveIterator<int> i(numbers); !i.IsDone(); i.Next())
-//   use(*i.CurrentItem());
+//   for (LX_TCollectionActiveIterator<int> i(list); !i.IsDone(); i.Next()) use(*i.CurrentItem());
 #ifndef MIROXGCL_LX_COLLECTION_H
 #define MIROXGCL_LX_COLLECTION_H
 
