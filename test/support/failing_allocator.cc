@@ -8,9 +8,13 @@ namespace {
 
 int s_allocations_left = 0;  // until one fails; 0: none will
 std::size_t s_live_blocks = 0;
+std::size_t s_failed_size = 0;
 
 void* allocate(std::size_t n) {
-  if (s_allocations_left != 0 && --s_allocations_left == 0) return nullptr;
+  if (s_allocations_left != 0 && --s_allocations_left == 0) {
+    s_failed_size = n;
+    return nullptr;
+  }
   void* const p = n <= PTRDIFF_MAX ? std::malloc(n != 0 ? n : 1) : nullptr;
   if (p != nullptr) ++s_live_blocks;
   return p;
@@ -29,9 +33,13 @@ void release(void* p) {
 
 }  // namespace
 
-failing_allocator::failing_allocator(int n) { s_allocations_left = n; }
+failing_allocator::failing_allocator(int n) {
+  s_allocations_left = n;
+  s_failed_size = 0;
+}
 failing_allocator::~failing_allocator() { s_allocations_left = 0; }
 std::size_t failing_allocator::live_blocks() { return s_live_blocks; }
+std::size_t failing_allocator::failed_size() { return s_failed_size; }
 
 void* operator new(std::size_t n) { return allocate_or_throw(n); }
 void* operator new[](std::size_t n) { return allocate_or_throw(n); }

@@ -20,6 +20,9 @@ class failing_allocator {
 
   // Blocks of operator new that were not given back yet.
   static std::size_t live_blocks();
+
+  // The size of the allocation that the latest failing_allocator made fail; 0 for none.
+  static std::size_t failed_size();
 };
 
 // Runs `operation` on a fresh `prepare()` with its first, second, third ... allocation failing,
