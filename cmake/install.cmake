@@ -1,4 +1,6 @@
-# What `cmake --install` lays out: libraries, headers and the files that find_package() reads.
+# What `cmake --install` lays out: libraries, headers, the files that find_package() and pkg-config
+# read, and the examples. Nothing but the place of the debugger's script holds the prefix: the tree
+# may be moved.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/miroxgcl)
@@ -11,3 +13,12 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/miroxgclConfigVersion.cma
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_SOURCE_DIR}/cmake/miroxgclConfig.cmake
               ${PROJECT_BINARY_DIR}/miroxgclConfigVersion.cmake DESTINATION ${package_dir})
+
+set(pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH pc_prefix /${pc_dir} /)
+string(REGEX REPLACE "/$" "" pc_prefix "${pc_prefix}")
+configure_file(${PROJECT_SOURCE_DIR}/cmake/miroxgcl.pc.in ${PROJECT_BINARY_DIR}/miroxgcl.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/miroxgcl.pc DESTINATION ${pc_dir})
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples TYPE DOC FILES_MATCHING PATTERN "*.cc")
+include(${PROJECT_SOURCE_DIR}/cmake/gdb.cmake)

@@ -2,20 +2,27 @@
 
 #include <cstdio>
 
-void GCL_Ctrace::enter() {
-  ++GCL_Debug::m_debug_ptr->m_depth;
-  write_mark(">>");
+namespace {
+
+struct numbered {
+  explicit numbered(std::int32_t trace_id) {
+    std::snprintf(text, sizeof text, "[%4d] ", static_cast<int>(trace_id));
+  }
+  char text[32];
+};
+
+}  // namespace
+
+void GCL_Ctrace::enter(char const* class_name, char const* function_name, std::int32_t trace_id) {
+  GCL_Debug& debug = *GCL_Debug::m_debug_ptr;
+  ++debug.m_depth;
+  debug.write_line({">>", numbered(trace_id).text, class_name, "::", function_name});
 }
 
-void GCL_Ctrace::leave() {
-  write_mark("<<");
-  --GCL_Debug::m_debug_ptr->m_depth;
-}
-
-void GCL_Ctrace::write_mark(char const* mark) {
-  char number[32];
-  std::snprintf(number, sizeof number, "[%4d] ", static_cast<int>(m_trace_id));
-  GCL_Debug::m_debug_ptr->write_line({mark, number, m_class_name, "::", m_function_name});
+void GCL_Ctrace::leave(char const* class_name, char const* function_name, std::int32_t trace_id) {
+  GCL_Debug& debug = *GCL_Debug::m_debug_ptr;
+  debug.write_line({"<<", numbered(trace_id).text, class_name, "::", function_name});
+  --debug.m_depth;
 }
 
 void GCL_Ctrace::output(std::basic_ostringstream<char>& message) {

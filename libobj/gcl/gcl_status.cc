@@ -1,6 +1,5 @@
 #include "miroxgcl/gcl_status.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
@@ -11,10 +10,6 @@
 
 namespace {
 
-std::unique_ptr<GCL_ErrMsgStack> copy_of(std::unique_ptr<GCL_ErrMsgStack> const& stack) {
-  return stack != nullptr ? std::make_unique<GCL_ErrMsgStack>(*stack) : nullptr;
-}
-
 // Read at every message, so that a debugger or the program itself can switch it.
 bool copies_to_stdout() {
   char const* const value = gcl_environment("GCL_STATUS_IMSG_COPY");
@@ -23,20 +18,10 @@ bool copies_to_stdout() {
 
 }  // namespace
 
-GCL_Status::GCL_Status(GCL_Status const& other)
-    : m_value(other.m_value), m_message_stack(copy_of(other.m_message_stack)) {}
-
-GCL_Status::GCL_Status(GCL_Status&& other) noexcept
-    : m_value(std::exchange(other.m_value, 0)), m_message_stack(std::move(other.m_message_stack)) {}
-
-GCL_Status::~GCL_Status() {
-  if (m_grab_count > 0) restore_redirect_procs();
-}
-
 GCL_Status& GCL_Status::operator=(GCL_Status const& other) {
   if (&other == this) return *this;
   reset(other.m_value);
-  m_message_stack = copy_of(other.m_message_stack);
+  if (other.m_message_stack != nullptr) copy_messages(other);
   return *this;
 }
 
@@ -44,6 +29,10 @@ GCL_Status& GCL_Status::operator=(GCL_Status&& other) noexcept {
   m_value = std::exchange(other.m_value, 0);
   m_message_stack = std::move(other.m_message_stack);
   return *this;
+}
+
+void GCL_Status::copy_messages(GCL_Status const& other) {
+  m_message_stack = std::make_unique<GCL_ErrMsgStack>(*other.m_message_stack);
 }
 
 // A stack made for a message that cannot be pushed goes again.
@@ -64,17 +53,12 @@ GCL_String GCL_Status::error_message() const {
   return result;
 }
 
-void GCL_Status::grab_imsg_out() {
-  if (m_grab_count++ != 0) return;
+void GCL_Status::install_redirect_procs() {
   imsg_get_redirect_procs(IMSG_PROC_COUNT, m_saved_procs, &m_saved_proc_arg);
-  imsg_redirect_proc procs[IMSG_PROC_COUNT];
-  std::fill(std::begin(procs), std::end(procs), &GCL_Status::handle_imsg_out);
+  static constexpr auto h = &GCL_Status::handle_imsg_out;
+  static constexpr imsg_redirect_proc procs[] = {h, h, h, h, h, h, h, h, h, h, h};
+  static_assert(std::size(procs) == IMSG_PROC_COUNT);
   imsg_set_redirect_procs(procs, IMSG_PROC_COUNT, this);
-}
-
-void GCL_Status::release_imsg_out() {
-  if (m_grab_count == 0) return;
-  if (--m_grab_count == 0) restore_redirect_procs();
 }
 
 void GCL_Status::restore_redirect_procs() noexcept {

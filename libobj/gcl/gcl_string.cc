@@ -39,22 +39,28 @@ GCL_String::GCL_String(GCL_String const& s, unsigned int n) {
   if (n == npos) {
     *this = s;
   } else {
-    set_rep(new GCL_StringRep(n, 0, s.c_str()));
+    set_rep(GCL_StringRep::make(n, 0, s.c_str()));
   }
 }
 
 GCL_String::GCL_String(char const* s, unsigned int n) {
   if (s == nullptr) s = "";
   if (n == npos) n = length_of(s);
-  if (n != 0) set_rep(new GCL_StringRep(n, 0, s));
+  if (n != 0) set_rep(GCL_StringRep::make(n, 0, s));
 }
 
 GCL_String::GCL_String(unsigned char const* s, unsigned int n)
     : GCL_String(reinterpret_cast<char const*>(s), n) {}
 
+GCL_String::GCL_String(std::string_view s) {
+  if (s.size() > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
+  auto const n = static_cast<unsigned int>(s.size());
+  if (n != 0) set_rep(GCL_StringRep::make(n, 0, s.data()));
+}
+
 GCL_String::GCL_String(char c, unsigned int count) {
   if (count == 0) return;
-  set_rep(new GCL_StringRep(count, 1, nullptr));
+  set_rep(GCL_StringRep::make(count, 1, nullptr));
   std::memset(body()->m_buffer, c, count);
 }
 
@@ -80,7 +86,7 @@ GCL_String& GCL_String::assign(GCL_String const& s, unsigned int n) {
     std::memmove(body()->m_buffer, s.c_str(), n);
     body()->m_length = n;
   } else {
-    set_rep(new GCL_StringRep(n, 0, s.c_str()));
+    set_rep(GCL_StringRep::make(n, 0, s.c_str()));
   }
   return *this;
 }
@@ -91,16 +97,27 @@ GCL_String& GCL_String::assign(char c, unsigned int count) { return *this = GCL_
 GCL_String& GCL_String::append(GCL_String const& s, unsigned int n) {
   if (&s == this) return append(GCL_String(s), n);
   if (n == npos) n = s.length();
-  return n == 0 ? *this : do_replace(length(), 0, s.c_str(), n);
+  return n == 0 ? *this : append_bytes(s.c_str(), n);
 }
 
 GCL_String& GCL_String::append(char const* s, unsigned int n) {
   if (s == nullptr) s = "";
   if (n == npos) n = length_of(s);
-  return n == 0 ? *this : do_replace(length(), 0, s, n);
+  return n == 0 ? *this : append_bytes(s, n);
 }
 
-GCL_String& GCL_String::append(char c, unsigned int count) {
+// What lies in the text, or outside, is not where the bytes go.
+GCL_String& GCL_String::append_bytes(char const* s, unsigned int n) {
+  unsigned int const length = this->length();
+  if (n > GCL_StringRep::max_length - length || !may_change_in_place(length + n)) {
+    return do_replace(length, 0, s, n);
+  }
+  std::memcpy(body()->m_buffer + length, s, n);
+  body()->m_length = length + n;
+  return *this;
+}
+
+GCL_String& GCL_String::append_run(char c, unsigned int count) {
   if (count == 1) return do_replace(length(), 0, &c, 1);
   return append(GCL_String(c, count));
 }
@@ -129,23 +146,17 @@ GCL_String& GCL_String::get_remove(GCL_String& out, unsigned int pos, unsigned i
   return &out == this ? *this : do_replace(pos, n, "", 0);
 }
 
-GCL_String& GCL_String::put_at(unsigned int pos, char c) {
+GCL_String& GCL_String::put_at_new(unsigned int pos, char c) {
   if (pos == length()) return append(&c, 1);
-  if (body()->reference_count() > 1) reserve(length());
+  reserve(length());
   body()->m_buffer[pos] = c;
   return *this;
 }
 
 GCL_String const& GCL_String::reserve(unsigned int n) const {
   unsigned int const room = std::max(n, length());
-  take_body(room == 0 ? nullptr : new GCL_StringRep(length(), room, c_str()));
+  take_body(room == 0 ? nullptr : GCL_StringRep::make(length(), room, c_str()));
   return *this;
-}
-
-// A sole holder may change the body, if `newlen` bytes and the terminator fit.
-bool GCL_String::may_change_in_place(unsigned int newlen) const noexcept {
-  GCL_StringRep const* const rep = body();
-  return rep != nullptr && rep->reference_count() <= 1 && newlen < rep->m_capacity;
 }
 
 // Puts `srclen` bytes from `src` in the place of the `n` bytes at `pos`; every edit comes here.
@@ -175,7 +186,7 @@ GCL_String& GCL_String::do_replace(unsigned int pos, unsigned int n, char const*
   }
 
   // The old body lives until the new one is complete, so `src` may still point into it.
-  auto* const fresh = new GCL_StringRep(pos, newlen, rep != nullptr ? rep->m_buffer : nullptr);
+  auto* const fresh = GCL_StringRep::make(pos, newlen, rep != nullptr ? rep->m_buffer : nullptr);
   if (rep != nullptr) {
     copy_bytes(fresh->m_buffer + pos + srclen, rep->m_buffer + pos + n, tail);
   }

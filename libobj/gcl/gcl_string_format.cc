@@ -31,22 +31,33 @@ unsigned int count(char const* begin, char const* end, char c) {
   return total + static_cast<unsigned int>(std::count(begin, end, c));
 }
 
+// The first `c`, or the end.
+char const* find(char const* begin, char const* end, char c) {
+  auto const* const p = std::memchr(begin, c, static_cast<std::size_t>(end - begin));
+  return p != nullptr ? static_cast<char const*>(p) : end;
+}
+
 // Without carriage returns. `dest` may be `begin`. Both answer where the copy ends.
 char* put_without_cr(char* dest, char const* begin, char const* end) {
-  for (; begin != end; ++begin) {
-    char const c = *begin;
-    *dest = c;
-    dest += c != '\r';
+  while (begin != end) {
+    char const* const stop = find(begin, end, '\r');
+    auto const run = static_cast<std::size_t>(stop - begin);
+    if (dest != begin) std::memmove(dest, begin, run);
+    dest += run;
+    begin = stop != end ? stop + 1 : end;
   }
   return dest;
 }
 
 // Without carriage returns but for one before each line feed. `dest` stands elsewhere.
 char* put_with_cr_lf(char* dest, char const* begin, char const* end) {
-  for (; begin != end; ++begin) {
-    if (*begin == '\r') continue;
-    if (*begin == '\n') *dest++ = '\r';
-    *dest++ = *begin;
+  while (begin != end) {
+    char const* const stop = find(begin, end, '\n');
+    dest = put_without_cr(dest, begin, stop);
+    if (stop == end) break;
+    *dest++ = '\r';
+    *dest++ = '\n';
+    begin = stop + 1;
   }
   return dest;
 }
@@ -91,7 +102,7 @@ GCL_String& GCL_String::convert_line_ends(bool to_pc) {
 
   auto const behind = static_cast<std::size_t>(text + length() - end);
   if (growth.reserve != 0) {
-    auto* const fresh = new GCL_StringRep(0, growth.reserve, nullptr);
+    auto* const fresh = GCL_StringRep::make(0, growth.reserve, nullptr);
     char* const middle = (to_pc ? put_with_cr_lf : put_without_cr)(fresh->m_buffer, text, end);
     std::memcpy(middle, end, behind);
     set_rep(fresh);
@@ -108,7 +119,7 @@ GCL_String& GCL_String::convert_line_ends(bool to_pc) {
 // stripped.
 GCL_String& GCL_String::remove_formatting() {
   GCL_String stripped;
-  auto* const rep = new GCL_StringRep(length() + 1, 1, nullptr);
+  auto* const rep = GCL_StringRep::make(length() + 1, 1, nullptr);
   stripped.set_rep(rep);
   imsg_strip_style_chars(rep->m_buffer, c_str());
   rep->m_length = static_cast<unsigned int>(std::strlen(rep->m_buffer));

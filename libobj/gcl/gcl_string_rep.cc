@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <iterator>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "miroxplat/strutl.h"
 
@@ -23,6 +26,48 @@ unsigned int little_endian_word(char const* p) {
 
 }  // namespace
 
+#if defined(__SANITIZE_ADDRESS__)
+
+// The checker sees every body come and go.
+void* GCL_StringRep::operator new(std::size_t n) { return ::operator new(n); }
+void GCL_StringRep::operator delete(void* p) noexcept { ::operator delete(p); }
+
+#else
+
+namespace {
+
+// Places for the first bodies, in static memory: a chain of those that came back, and behind
+// `s_fresh` those that were never used. Bodies beyond are the allocator's.
+union Place {
+  Place* next;
+  alignas(GCL_StringRep) unsigned char body[sizeof(GCL_StringRep)];
+};
+
+constexpr std::size_t place_count = 256;
+Place s_places[place_count];
+Place* s_returned = nullptr;
+Place* s_fresh = s_places;
+
+}  // namespace
+
+void* GCL_StringRep::operator new(std::size_t n) {
+  if (s_returned != nullptr) return std::exchange(s_returned, s_returned->next);
+  if (s_fresh != std::end(s_places)) return s_fresh++;
+  return ::operator new(n);
+}
+
+void GCL_StringRep::operator delete(void* p) noexcept {
+  auto* const place = static_cast<Place*>(p);
+  std::less<> const before;
+  if (before(place, std::begin(s_places)) || !before(place, std::end(s_places))) {
+    return ::operator delete(p);
+  }
+  place->next = s_returned;
+  s_returned = place;
+}
+
+#endif
+
 unsigned int GCL_StringRep::capacity_for(unsigned int n) {
   unsigned int const grown = n <= 63 ? 2 * n : n <= 255 ? n + n / 2 : n + n / 4;
   unsigned int const at_least = grown < 8 ? 8 : grown;
@@ -33,7 +78,7 @@ unsigned int GCL_StringRep::capacity_for(unsigned int n) {
 char* GCL_StringRep::allocate(unsigned int length, unsigned int reserve, unsigned int* capacity) {
   if (length > max_length) refuse_length();
   *capacity = capacity_for(reserve > length ? reserve : length + 1);
-  return new char[*capacity];
+  return static_cast<char*>(::operator new(*capacity));
 }
 
 GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int reserve, char const* text)
@@ -41,10 +86,14 @@ GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int reserve, char con
   if (text != nullptr) std::memcpy(m_buffer, text, length);
 }
 
+GCL_StringRep* GCL_StringRep::make(unsigned int length, unsigned int reserve, char const* text) {
+  return new GCL_StringRep(length, reserve, text);
+}
+
 GCL_StringRep::GCL_StringRep(char (&null_buffer)[null_capacity]) noexcept
     : m_length(0), m_capacity(null_capacity), m_buffer(null_buffer) {}
 
-GCL_StringRep::~GCL_StringRep() { delete[] m_buffer; }
+GCL_StringRep::~GCL_StringRep() { ::operator delete(m_buffer); }
 
 bool GCL_StringRep::is_null() const { return m_length == 0; }
 

@@ -1,4 +1,4 @@
-// Search and comparison. The string utility matches whole characters; positions stay here.
+// Search. The string utility matches whole characters; positions stay here.
 #include <algorithm>
 #include <cstring>
 
@@ -6,6 +6,8 @@
 #include "miroxplat/strutl.h"
 
 namespace {
+
+unsigned char to_byte(char c) { return static_cast<unsigned char>(c); }
 
 // The length of the character at `p`, at least 1; `n` bytes are left of its text.
 unsigned int step_at(char const* p, unsigned int n) { return std::max(1u, strutl_mblen(p, n)); }
@@ -70,13 +72,16 @@ unsigned int GCL_String::find_last_of(GCL_String const& set, unsigned int last) 
   return find_backward(*this, last, [&](unsigned int from) { return find_first_of(set, from); });
 }
 
+// Nearly all characters are one byte long; the service is asked for those that may be longer.
 unsigned int GCL_String::find_first_not_of(GCL_String const& set, unsigned int pos) const {
-  char const* const text = c_str();
+  bool is_in_set[256] = {};
+  for (unsigned int i = 0; i < set.length(); ++i) is_in_set[to_byte(set.bytes()[i])] = true;
   unsigned int const end = length();
-  for (; pos < end; pos += step_at(text + pos, end - pos)) {
-    if (std::memchr(set.c_str(), text[pos], set.length()) == nullptr) return pos;
+  char const* const text = c_str();
+  while (pos < end && is_in_set[to_byte(text[pos])]) {
+    pos += to_byte(text[pos]) < 0x80 ? 1 : step_at(text + pos, end - pos);
   }
-  return npos;
+  return pos < end ? pos : npos;
 }
 
 unsigned int GCL_String::find_last_not_of(GCL_String const& set, unsigned int last) const {
@@ -84,12 +89,4 @@ unsigned int GCL_String::find_last_not_of(GCL_String const& set, unsigned int la
   if (last == npos) return npos;
   return find_backward(*this, last,
                        [&](unsigned int from) { return find_first_not_of(set, from); });
-}
-
-int GCL_String::compare(GCL_String const& s) const noexcept {
-  unsigned int const a = length();
-  unsigned int const b = s.length();
-  int const order = std::memcmp(c_str(), s.c_str(), std::min(a, b));
-  if (order != 0) return order < 0 ? -1 : 1;
-  return a == b ? 0 : a < b ? -1 : 1;
 }

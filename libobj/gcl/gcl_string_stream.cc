@@ -137,7 +137,7 @@ void GCL_String::append_in_chunks(char const* data, unsigned int n, GCL_String& 
   if (growth.reserve != 0) {
     GCL_String fresh(std::move(spare));
     bool const fits = fresh.may_change_in_place(0) && fresh.body()->m_capacity == growth.capacity;
-    if (!fits) fresh.set_rep(new GCL_StringRep(0, growth.reserve, nullptr));
+    if (!fits) fresh.set_rep(GCL_StringRep::make(0, growth.reserve, nullptr));
     std::memcpy(fresh.body()->m_buffer, c_str(), old_length);
     *this = std::move(fresh);
   }

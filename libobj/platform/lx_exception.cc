@@ -5,6 +5,4 @@ char const* const LX_kEmpty = "The collection is empty.";
 char const* const LX_kNull = "The pointer is null.";
 char const* const LX_kNotEmpty = "The collection is not empty.";
 
-LX_XException::~LX_XException() = default;
-
 char const* LX_XException::what() const noexcept { return m_reason; }

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <system_error>
 
@@ -42,7 +43,8 @@ std::uintptr_t origin() { return reinterpret_cast<std::uintptr_t>(&run_in_child)
   dup2(fileno(out), STDOUT_FILENO);
   dup2(fileno(err), STDERR_FILENO);
   std::string const distance = std::to_string(reinterpret_cast<std::uintptr_t>(body) - origin());
-  execl("/proc/self/exe", program_invocation_name, child_option, distance.c_str(), nullptr);
+  std::string const program = std::filesystem::read_symlink("/proc/self/exe");
+  execl(program.c_str(), program_invocation_name, child_option, distance.c_str(), nullptr);
   _exit(127);
 }
 

@@ -6,8 +6,8 @@
 #ifndef MIROXGCL_DRL_LIST_BASE_H
 #define MIROXGCL_DRL_LIST_BASE_H
 
+#include <initializer_list>
 #include <memory>
-#include <utility>
 
 #include "miroxgcl/gcl_handle_base.h"
 #include "miroxgcl/lx_dynamic.h"
@@ -37,6 +37,11 @@ class MIROXGCL_API DRL_ListBase {
   }
   DRL_ListBase& operator=(DRL_ListBase&& other) noexcept = default;
   ~DRL_ListBase() = default;
+
+  DRL_ListBase(std::initializer_list<T> items) : DRL_ListBase(0) {
+    Preallocate(static_cast<unsigned int>(items.size()));
+    for (T const& item : items) Append(item);
+  }
 
   int operator==(DRL_ListBase const& other) const {
     LX_TCollection<GCL_HandleBase> const& items = Items();
@@ -73,6 +78,15 @@ class MIROXGCL_API DRL_ListBase {
   void SetChunkSize(unsigned int c) { Items().SetChunkSize(c); }
   void Preallocate(unsigned int n) { Items().Preallocate(n); }
   unsigned int ChunkSize() const { return Items().ChunkSize(); }
+
+  // For range-for and the standard algorithms.
+  using value_type = T;
+  using iterator = LX_TIndexIterator<DRL_ListBase, T>;
+  using const_iterator = LX_TIndexIterator<DRL_ListBase const, T const>;
+  iterator begin() { return {*this, 0}; }
+  iterator end() { return {*this, Length()}; }
+  const_iterator begin() const { return {*this, 0}; }
+  const_iterator end() const { return {*this, Length()}; }
 
  private:
   static_assert(sizeof(T) == sizeof(GCL_HandleBase), "a handle with no field of its own");

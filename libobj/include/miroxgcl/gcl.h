@@ -28,6 +28,7 @@
 #include "miroxgcl/gcl_status_list.h"
 #include "miroxgcl/gcl_stg_area_rep.h"
 #include "miroxgcl/gcl_string.h"
+#include "miroxgcl/gcl_string_algo.h"
 #include "miroxgcl/gcl_string_list.h"
 #include "miroxgcl/gcl_time_period.h"
 #include "miroxgcl/lx_collection.h"

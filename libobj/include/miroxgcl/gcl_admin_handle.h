@@ -18,7 +18,7 @@ class MIROXGCL_API GCL_AdminHandle {
 
  private:
   // Frees the handle at its end, and so when the constructor above does not come to its own.
-  struct Owner {
+  struct MIROXGCL_LOCAL Owner {
     adm_handle_t handle = 0;
     ~Owner();
   };

@@ -4,4 +4,7 @@
 
 #define MIROXGCL_API __attribute__((visibility("default")))
 
+// A helper within an exported class that only the library's own sources call.
+#define MIROXGCL_LOCAL __attribute__((visibility("hidden")))
+
 #endif

@@ -42,7 +42,8 @@ class MIROXGCL_API GCL_Credentials {
   void set_secondary_groups(GCL_OSGroupList const& groups);
 
  private:
-  static GCL_Credentials translate(GCL_Status& status, credutl_sid_credentials_t const& record);
+  MIROXGCL_LOCAL static GCL_Credentials translate(GCL_Status& status,
+                                                  credutl_sid_credentials_t const& record);
 
   mutable std::unique_ptr<GCL_OSUser> m_user;
   mutable std::unique_ptr<GCL_OSGroup> m_primary_group;

@@ -29,12 +29,12 @@ class MIROXGCL_API GCL_Ctrace {
         m_class_name(class_name),
         m_function_name(function_name),
         m_trace_id(GCL_Debug::m_debug_ptr->m_trace_count++) {
-    if (is_enabled()) enter();
+    if (is_enabled()) enter(m_class_name, m_function_name, m_trace_id);
   }
   GCL_Ctrace(GCL_Ctrace const&) = delete;
   GCL_Ctrace& operator=(GCL_Ctrace const&) = delete;
   ~GCL_Ctrace() {
-    if (is_enabled()) leave();
+    if (is_enabled()) leave(m_class_name, m_function_name, m_trace_id);
   }
 
   bool is_enabled() const { return GCL_Debug::m_debug_ptr->is_enabled(m_discriminator, m_level); }
@@ -43,9 +43,9 @@ class MIROXGCL_API GCL_Ctrace {
   void output(std::basic_ostringstream<char>& message);
 
  private:
-  void enter();
-  void leave();
-  void write_mark(char const* mark);
+  // Static, so that a trace that stays disabled need not stand in memory.
+  static void enter(char const* class_name, char const* function_name, std::int32_t trace_id);
+  static void leave(char const* class_name, char const* function_name, std::int32_t trace_id);
 
   GCL_Debug::Discriminator m_discriminator;
   GCL_Debug::Level m_level;

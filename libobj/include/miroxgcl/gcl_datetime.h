@@ -32,7 +32,7 @@ class MIROXGCL_API GCL_DateTime : public LX_CTime {
   GCL_String long_date_time() const;         // Sunday, November 22, 2026 14:05:09
 
  private:
-  GCL_String format(char const* (*layout)(long)) const;
+  MIROXGCL_LOCAL GCL_String format(char const* (*layout)(long)) const;
 };
 
 #endif

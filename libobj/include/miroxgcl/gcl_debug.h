@@ -85,7 +85,7 @@ class MIROXGCL_API GCL_Debug {
   static constexpr int area_count = 712;
 
   // Writes one line made of `pieces`. The one place that knows the prefix and the indentation.
-  void write_line(std::initializer_list<std::string_view> pieces);
+  MIROXGCL_LOCAL void write_line(std::initializer_list<std::string_view> pieces);
 
   std::int32_t m_levels[area_count];  // the level enabled for each area
   std::ostream* m_stream;             // standard error, or a file stream that this object owns

@@ -69,4 +69,12 @@ MIROXGCL_API std::ostream& operator<<(std::ostream& os, GCL_HandleBase const& ha
 
 static_assert(sizeof(GCL_HandleBase) == sizeof(void*), "a handle is one pointer");
 
+// Arrays move handles as the pointers they are: see lx_dynamic.h.
+template <class T>
+struct LX_TIsRelocatable;
+template <>
+struct LX_TIsRelocatable<GCL_HandleBase> {
+  static constexpr bool value = true;
+};
+
 #endif

@@ -15,10 +15,14 @@
 // outlive the scope; scopes end in the reverse order of their start.
 class MIROXGCL_API GCL_ImsgRedirect {
  public:
-  explicit GCL_ImsgRedirect(GCL_Status& status);
+  explicit GCL_ImsgRedirect(GCL_Status& status) : m_status(status) {
+    if (!m_no_redirect) m_status.grab_imsg_out();
+  }
   GCL_ImsgRedirect(GCL_ImsgRedirect const&) = delete;
   GCL_ImsgRedirect& operator=(GCL_ImsgRedirect const&) = delete;
-  ~GCL_ImsgRedirect();
+  ~GCL_ImsgRedirect() {
+    if (!m_no_redirect) m_status.release_imsg_out();
+  }
 
   // For the whole process.
   static void disable_redirection() noexcept { m_no_redirect = true; }

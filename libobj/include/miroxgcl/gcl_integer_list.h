@@ -2,6 +2,8 @@
 #ifndef MIROXGCL_GCL_INTEGER_LIST_H
 #define MIROXGCL_GCL_INTEGER_LIST_H
 
+#include <initializer_list>
+
 #include "miroxgcl/lx_dynamic.h"
 
 extern template class LX_TCollection<int>;
@@ -22,6 +24,7 @@ class MIROXGCL_API GCL_IntegerList : public LX_TDynamicCollection<int, LX_CUnman
 
   // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
   explicit GCL_IntegerList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
+  GCL_IntegerList(std::initializer_list<int> items) : Base(items) {}
   GCL_IntegerList(GCL_IntegerList const& other) = default;
   GCL_IntegerList(GCL_IntegerList&& other) noexcept = default;
   ~GCL_IntegerList() override;

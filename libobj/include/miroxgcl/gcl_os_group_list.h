@@ -2,6 +2,8 @@
 #ifndef MIROXGCL_GCL_OS_GROUP_LIST_H
 #define MIROXGCL_GCL_OS_GROUP_LIST_H
 
+#include <initializer_list>
+
 #include "miroxgcl/gcl_os_group.h"
 #include "miroxgcl/lx_dynamic.h"
 
@@ -17,6 +19,7 @@ class MIROXGCL_API GCL_OSGroupList : public LX_TDynamicCollection<GCL_OSGroup, L
 
   // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
   explicit GCL_OSGroupList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
+  GCL_OSGroupList(std::initializer_list<GCL_OSGroup> items) : Base(items) {}
   GCL_OSGroupList(GCL_OSGroupList const& other) = default;
   GCL_OSGroupList(GCL_OSGroupList&& other) noexcept = default;
   ~GCL_OSGroupList() override;

@@ -2,6 +2,8 @@
 #ifndef MIROXGCL_GCL_OS_USER_LIST_H
 #define MIROXGCL_GCL_OS_USER_LIST_H
 
+#include <initializer_list>
+
 #include "miroxgcl/gcl_os_user.h"
 #include "miroxgcl/lx_dynamic.h"
 
@@ -17,6 +19,7 @@ class MIROXGCL_API GCL_OSUserList : public LX_TDynamicCollection<GCL_OSUser, LX_
 
   // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
   explicit GCL_OSUserList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
+  GCL_OSUserList(std::initializer_list<GCL_OSUser> items) : Base(items) {}
   GCL_OSUserList(GCL_OSUserList const& other) = default;
   GCL_OSUserList(GCL_OSUserList&& other) noexcept = default;
   ~GCL_OSUserList() override;
@@ -27,8 +30,9 @@ class MIROXGCL_API GCL_OSUserList : public LX_TDynamicCollection<GCL_OSUser, LX_
   virtual GCL_OSUserList& operator=(GCL_OSUserList const& other);
   GCL_OSUserList& operator=(GCL_OSUserList&& other) noexcept = default;
 
-  // An empty list for all to share; nothing is ever put in it. It exists while the library is
-  // loaded.
+  // An empty list for all to share; nothing is ever put in it. It is built when the library is
+  // loaded, before the static objects of what links with the library, and goes after them: their
+  // constructors and destructors may use it.
   static GCL_OSUserList nil;
 };
 

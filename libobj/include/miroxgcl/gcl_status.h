@@ -13,6 +13,7 @@
 #define MIROXGCL_GCL_STATUS_H
 
 #include <memory>
+#include <utility>
 
 #include "miroxgcl/gcl_err_msg_stack.h"
 #include "miroxgcl/gcl_string.h"
@@ -29,19 +30,27 @@ class MIROXGCL_API GCL_Status {
 
   // Code 0, no messages.
   GCL_Status() noexcept = default;
-  GCL_Status(GCL_Status const& other);
+  GCL_Status(GCL_Status const& other) : m_value(other.m_value) {
+    if (other.m_message_stack != nullptr) copy_messages(other);
+  }
   // Takes the messages; `other` is ok and empty afterwards.
-  GCL_Status(GCL_Status&& other) noexcept;
+  GCL_Status(GCL_Status&& other) noexcept
+      : m_value(std::exchange(other.m_value, 0)),
+        m_message_stack(std::move(other.m_message_stack)) {}
   // Ends a grab that is still open.
-  ~GCL_Status();
+  ~GCL_Status() {
+    if (m_grab_count > 0) restore_redirect_procs();
+  }
 
   // Keeps the grab that may be open on this status. When the messages cannot be copied, this status
   // has the other's code and no message.
   GCL_Status& operator=(GCL_Status const& other);
   GCL_Status& operator=(GCL_Status&& other) noexcept;
 
-  bool is_ok() const noexcept { return m_value == 0; }
-  int value() const noexcept { return m_value; }
+  [[nodiscard]] bool is_ok() const noexcept { return m_value == 0; }
+  // As std::error_code: true when something went wrong.
+  explicit operator bool() const noexcept { return m_value != 0; }
+  [[nodiscard]] int value() const noexcept { return m_value; }
   int peek() const noexcept { return m_value; }  // the same as value()
 
   // Says that the caller has looked; no effect.
@@ -67,13 +76,17 @@ class MIROXGCL_API GCL_Status {
   void add_message(GCL_String const& message);
 
   // All messages joined as they are, the oldest first. Linear in their total length.
-  GCL_String error_message() const;
+  [[nodiscard]] GCL_String error_message() const;
 
   // From grab to release, everything the message service prints is added here instead of being
   // displayed. Grabs nest; those of several statuses must end in the reverse order of their start.
   // GCL_ImsgRedirect does both for a scope.
-  void grab_imsg_out();
-  void release_imsg_out();
+  void grab_imsg_out() {
+    if (m_grab_count++ == 0) install_redirect_procs();
+  }
+  void release_imsg_out() {
+    if (m_grab_count > 0 && --m_grab_count == 0) restore_redirect_procs();
+  }
 
   // Receives a message for the status `context`. With "GCL_STATUS_IMSG_COPY" set to "true" or
   // "TRUE", also writes it to standard output.
@@ -81,23 +94,25 @@ class MIROXGCL_API GCL_Status {
 
  private:
   void discard_messages() noexcept { m_message_stack.reset(); }
+  void copy_messages(GCL_Status const& other);
+  void install_redirect_procs();
   void restore_redirect_procs() noexcept;
 
   int m_value = 0;
   std::unique_ptr<GCL_ErrMsgStack> m_message_stack;   // null without messages
   int m_grab_count = 0;                               // grabs open on this status
   imsg_redirect_proc m_saved_procs[IMSG_PROC_COUNT];  // the table found by the first, while any is
-  void* m_saved_proc_arg = nullptr;                   // and its context
+  void* m_saved_proc_arg;                             // and its context
 };
 
 // Compare codes; messages do not matter.
-inline bool operator==(GCL_Status const& a, GCL_Status const& b) noexcept {
+MIROXGCL_API inline bool operator==(GCL_Status const& a, GCL_Status const& b) noexcept {
   return a.value() == b.value();
 }
-inline bool operator==(GCL_Status const& status, int value) noexcept {
+MIROXGCL_API inline bool operator==(GCL_Status const& status, int value) noexcept {
   return status.value() == value;
 }
-inline bool operator==(int value, GCL_Status const& status) noexcept {
+MIROXGCL_API inline bool operator==(int value, GCL_Status const& status) noexcept {
   return status.value() == value;
 }
 

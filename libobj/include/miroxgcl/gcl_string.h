@@ -11,6 +11,10 @@
 #ifndef MIROXGCL_GCL_STRING_H
 #define MIROXGCL_GCL_STRING_H
 
+#include <cstring>
+#include <functional>
+#include <string_view>
+
 #include "miroxgcl/gcl_handle.h"
 #include "miroxgcl/gcl_string_rep.h"
 
@@ -44,6 +48,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   // The first `n` bytes of the array `s`, up to its first NUL when `n` is npos. Null counts as "".
   GCL_String(char const* s, unsigned int n = npos);           // NOLINT(google-explicit-constructor)
   GCL_String(unsigned char const* s, unsigned int n = npos);  // NOLINT(google-explicit-constructor)
+  // The bytes of `s`, NUL too.
+  explicit GCL_String(std::string_view s);
   // `count` times the byte `c`; npos is a count like any other, and too large.
   explicit GCL_String(char c, unsigned int count = 1);
   explicit GCL_String(unsigned char c, unsigned int count = 1);
@@ -68,6 +74,20 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   }
   char const* get_str() const noexcept { return c_str(); }
 
+  // As the standard library's strings: the bytes in order, which are not for writing.
+  using value_type = char;
+  using const_iterator = char const*;
+  using iterator = const_iterator;
+  using size_type = unsigned int;
+  const_iterator begin() const noexcept { return body() != nullptr ? bytes() : ""; }
+  const_iterator end() const noexcept { return begin() + length(); }
+  char const* data() const noexcept { return c_str(); }
+  unsigned int size() const noexcept { return length(); }
+  [[nodiscard]] bool empty() const noexcept { return length() == 0; }
+  operator std::string_view() const noexcept {  // NOLINT(google-explicit-constructor)
+    return {begin(), length()};
+  }
+
   // The byte at `pos`; NUL at the end of a string with a body. REQUIRES: pos < length().
   char get_at(unsigned int pos) const noexcept { return c_str()[pos]; }
 
@@ -76,7 +96,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   unsigned int copy(char* dest, unsigned int n = npos, unsigned int pos = 0) const noexcept;
 
   // At most `n` bytes from `pos` on, as a string of its own. REQUIRES: pos <= length().
-  GCL_String substr(unsigned int pos, unsigned int n = npos) const;
+  [[nodiscard]] GCL_String substr(unsigned int pos, unsigned int n = npos) const;
 
   // --- Editing. Each returns the string. Positions must not exceed length(); counts that reach
   // beyond the end of this string mean up to its end; those of a source must not exceed it.
@@ -88,7 +108,15 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
 
   GCL_String& append(GCL_String const& s, unsigned int n = npos);
   GCL_String& append(char const* s, unsigned int n = npos);
-  GCL_String& append(char c, unsigned int count = 1);
+  GCL_String& append(char c, unsigned int count = 1) {
+    if (count != 1 || !may_change_in_place(length() + 1)) return append_run(c, count);
+    body()->m_buffer[body()->m_length++] = c;
+    return *this;
+  }
+
+  GCL_String& operator+=(GCL_String const& s) { return append(s); }
+  GCL_String& operator+=(char const* s) { return append(s); }
+  GCL_String& operator+=(char c) { return append(c); }
 
   // Puts the first `n` bytes of `s` before the byte at `pos`.
   GCL_String& insert(unsigned int pos, GCL_String const& s, unsigned int n = npos);
@@ -104,7 +132,11 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   GCL_String& get_remove(GCL_String& out, unsigned int pos, unsigned int n = npos);
 
   // Sets the byte at `pos`; at the end, appends it.
-  GCL_String& put_at(unsigned int pos, char c);
+  GCL_String& put_at(unsigned int pos, char c) {
+    if (pos == length() || body()->reference_count() > 1) return put_at_new(pos, c);
+    body()->m_buffer[pos] = c;
+    return *this;
+  }
 
   // Moves the text to a new, unshared body with room for `n` bytes by the growth rule, in every
   // case; with `n` 0 and no text, to no body. The value stays.
@@ -114,7 +146,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   // after the single edits that a conversion is made of. Each returns the string.
 
   // Whether a line feed and a carriage return stand side by side anywhere.
-  bool is_pc_mode() const;
+  [[nodiscard]] bool is_pc_mode() const;
   // Removes every carriage return.
   GCL_String& from_pc_mode();
   // Removes every carriage return, then puts one before each line feed.
@@ -126,43 +158,106 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   // the text from where the search begins up to the next.
 
   // The first place at or after `pos` where `s` stands. An empty `s` stands at every byte.
-  unsigned int find(GCL_String const& s, unsigned int pos = 0) const;
+  [[nodiscard]] unsigned int find(GCL_String const& s, unsigned int pos = 0) const;
   // The last place not after `last` where `s` stands, overlapping ones included. For an empty `s`
   // in a text: `last` itself. Linear in the text up to `last`.
-  unsigned int rfind(GCL_String const& s, unsigned int last = npos) const;
+  [[nodiscard]] unsigned int rfind(GCL_String const& s, unsigned int last = npos) const;
   // The first character at or after `pos` that is, or whose first byte is not, among those of
   // `set`; the second looks at all bytes of both, NUL too.
-  unsigned int find_first_of(GCL_String const& set, unsigned int pos = 0) const;
-  unsigned int find_first_not_of(GCL_String const& set, unsigned int pos = 0) const;
+  [[nodiscard]] unsigned int find_first_of(GCL_String const& set, unsigned int pos = 0) const;
+  [[nodiscard]] unsigned int find_first_not_of(GCL_String const& set, unsigned int pos = 0) const;
   // The last such character not after `last`; npos stands for the last byte. Linear in the text.
-  unsigned int find_last_of(GCL_String const& set, unsigned int last = npos) const;
-  unsigned int find_last_not_of(GCL_String const& set, unsigned int last = npos) const;
+  [[nodiscard]] unsigned int find_last_of(GCL_String const& set, unsigned int last = npos) const;
+  [[nodiscard]] unsigned int find_last_not_of(GCL_String const& set,
+                                              unsigned int last = npos) const;
 
   // -1, 0 or 1 as this text comes before, equals or comes after `s`, byte by byte, each 0 to 255;
   // a text comes before any longer one that begins with it.
-  int compare(GCL_String const& s) const noexcept;
+  [[nodiscard]] int compare(GCL_String const& s) const noexcept {
+    unsigned int const a = length();
+    unsigned int const b = s.length();
+    int const order = a == 0 || b == 0 ? 0 : std::memcmp(bytes(), s.bytes(), a < b ? a : b);
+    return order != 0 ? (order > 0) - (order < 0) : (a > b) - (a < b);
+  }
 
   // --- Hashes of the text; 0 for the empty one. See GCL_StringRep.
-  unsigned int hash() const { return body() != nullptr ? body()->hash() : 0; }
-  unsigned int hash_fold_case() const { return body() != nullptr ? body()->hash_fold_case() : 0; }
+  [[nodiscard]] unsigned int hash() const { return body() != nullptr ? body()->hash() : 0; }
+  [[nodiscard]] unsigned int hash_fold_case() const {
+    return body() != nullptr ? body()->hash_fold_case() : 0;
+  }
 
  private:
   friend MIROXGCL_API std::istream& operator>>(std::istream& is, GCL_String& s);
   friend MIROXGCL_API std::istream& getline(std::istream& is, GCL_String& s, char delim);
   class Input;
 
-  GCL_String& do_replace(unsigned int pos, unsigned int n, char const* src, unsigned int srclen);
-  GCL_String& convert_line_ends(bool to_pc);
-  void append_in_chunks(char const* data, unsigned int n, GCL_String& spare);
-  bool may_change_in_place(unsigned int newlen) const noexcept;
+  MIROXGCL_LOCAL GCL_String& do_replace(unsigned int pos, unsigned int n, char const* src,
+                                        unsigned int srclen);
+  MIROXGCL_LOCAL GCL_String& append_bytes(char const* s, unsigned int n);
+  MIROXGCL_LOCAL GCL_String& convert_line_ends(bool to_pc);
+  MIROXGCL_LOCAL void append_in_chunks(char const* data, unsigned int n, GCL_String& spare);
+
+  // A sole holder may change the body, if `newlen` bytes and the terminator fit.
+  bool may_change_in_place(unsigned int newlen) const noexcept {
+    return body() != nullptr && body()->reference_count() <= 1 && newlen < body()->m_capacity;
+  }
+  char const* bytes() const noexcept { return body()->m_buffer; }
+  GCL_String& append_run(char c, unsigned int count);
+  GCL_String& put_at_new(unsigned int pos, char c);
+
+  friend bool operator==(GCL_String const& a, GCL_String const& b) noexcept;
 };
 
-inline bool operator==(GCL_String const& a, GCL_String const& b) noexcept {
-  return a.compare(b) == 0;
+MIROXGCL_API inline bool operator==(GCL_String const& a, GCL_String const& b) noexcept {
+  unsigned int const n = a.length();
+  return n == b.length() && (n == 0 || std::memcmp(a.bytes(), b.bytes(), n) == 0);
 }
-inline bool operator!=(GCL_String const& a, GCL_String const& b) noexcept {
-  return a.compare(b) != 0;
+MIROXGCL_API inline bool operator!=(GCL_String const& a, GCL_String const& b) noexcept {
+  return !(a == b);
 }
+MIROXGCL_API inline bool operator<(GCL_String const& a, GCL_String const& b) noexcept {
+  return a.compare(b) < 0;
+}
+MIROXGCL_API inline bool operator>(GCL_String const& a, GCL_String const& b) noexcept {
+  return b < a;
+}
+MIROXGCL_API inline bool operator<=(GCL_String const& a, GCL_String const& b) noexcept {
+  return !(b < a);
+}
+MIROXGCL_API inline bool operator>=(GCL_String const& a, GCL_String const& b) noexcept {
+  return !(a < b);
+}
+
+// A literal is compared where it lies. REQUIRES: `b` is not null.
+MIROXGCL_API inline bool operator==(GCL_String const& a, char const* b) noexcept {
+  return std::string_view(a) == b;
+}
+MIROXGCL_API inline bool operator==(char const* a, GCL_String const& b) noexcept { return b == a; }
+MIROXGCL_API inline bool operator!=(GCL_String const& a, char const* b) noexcept {
+  return !(a == b);
+}
+MIROXGCL_API inline bool operator!=(char const* a, GCL_String const& b) noexcept {
+  return !(b == a);
+}
+
+// The left side is the result when it is a temporary: a chain of sums builds one string.
+MIROXGCL_API inline GCL_String operator+(GCL_String a, GCL_String const& b) {
+  a.append(b);
+  return a;
+}
+MIROXGCL_API inline GCL_String operator+(GCL_String a, char const* b) {
+  a.append(b);
+  return a;
+}
+MIROXGCL_API inline GCL_String operator+(GCL_String a, char b) {
+  a.append(b);
+  return a;
+}
+
+template <>
+struct std::hash<GCL_String> {
+  std::size_t operator()(GCL_String const& s) const { return s.hash(); }
+};
 
 // Writes exactly the bytes of `s`, NUL too; width and fill of the stream play no part.
 MIROXGCL_API std::ostream& operator<<(std::ostream& os, GCL_String const& s);
@@ -177,5 +272,10 @@ MIROXGCL_API std::istream& getline(std::istream& is, GCL_String& s, char delim =
 MIROXGCL_API std::istream& operator>>(std::istream& is, GCL_String& s);
 
 static_assert(sizeof(GCL_String) == sizeof(void*), "a string is one pointer");
+
+template <>
+struct LX_TIsRelocatable<GCL_String> {
+  static constexpr bool value = true;
+};
 
 #endif

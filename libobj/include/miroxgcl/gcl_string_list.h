@@ -2,6 +2,8 @@
 #ifndef MIROXGCL_GCL_STRING_LIST_H
 #define MIROXGCL_GCL_STRING_LIST_H
 
+#include <initializer_list>
+
 #include "miroxgcl/drl_list_base.h"
 #include "miroxgcl/gcl_string.h"
 
@@ -13,9 +15,11 @@ class MIROXGCL_API GCL_StringList : public DRL_ListBase<GCL_String> {
  public:
   // An empty list that grows by `chunk_size` strings. The library's own lists use 32 and 4.
   explicit GCL_StringList(int chunk_size) : DRL_ListBase<GCL_String>(chunk_size) {}
+  GCL_StringList(std::initializer_list<GCL_String> items) : DRL_ListBase<GCL_String>(items) {}
 
-  // An empty list for all to share; nothing is ever put in it. It exists while the library is
-  // loaded.
+  // An empty list for all to share; nothing is ever put in it. It is built when the library is
+  // loaded, before the static objects of what links with the library, and goes after them: their
+  // constructors and destructors may use it.
   static GCL_StringList nil;
 };
 

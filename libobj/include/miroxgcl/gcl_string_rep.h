@@ -4,6 +4,8 @@
 #ifndef MIROXGCL_GCL_STRING_REP_H
 #define MIROXGCL_GCL_STRING_REP_H
 
+#include <cstddef>
+
 #include "miroxgcl/gcl_body.h"
 
 // Invariants:
@@ -45,18 +47,29 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
     return m_null_instance;
   }
 
+  // Bodies that go are kept, up to a number, for those that come: a string's body costs a few
+  // instructions where its buffer costs an allocation.
+  static void* operator new(std::size_t n);
+  static void operator delete(void* p) noexcept;
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void*, void*) noexcept {}
+
   // Throws what an edit throws whose result would be longer than max_length.
   [[noreturn]] static void refuse_length();
 
  private:
   friend class GCL_String;
 
+  // As new GCL_StringRep(...), in one call.
+  MIROXGCL_LOCAL static GCL_StringRep* make(unsigned int length, unsigned int reserve,
+                                            char const* text);
+
   // The growth rule: the capacity of a buffer into which `n` bytes must fit, n > 0.
-  static unsigned int capacity_for(unsigned int n);
+  MIROXGCL_LOCAL static unsigned int capacity_for(unsigned int n);
   static constexpr unsigned int null_capacity = 8;
   // Foresees the bodies that a series of edits of one string would build, so that the last can be
   // built at once.
-  struct Growth {
+  struct MIROXGCL_LOCAL Growth {
     // Before the first edit of a string that holds `rep`, which may be null.
     explicit Growth(GCL_StringRep const* rep);
 
@@ -70,9 +83,10 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
     unsigned int reserve;   // what the last body was built with; 0 when none was
   };
 
-  static char* allocate(unsigned int length, unsigned int reserve, unsigned int* capacity);
+  MIROXGCL_LOCAL static char* allocate(unsigned int length, unsigned int reserve,
+                                       unsigned int* capacity);
   static void build_null_instance() noexcept;
-  explicit GCL_StringRep(char (&null_buffer)[null_capacity]) noexcept;
+  MIROXGCL_LOCAL explicit GCL_StringRep(char (&null_buffer)[null_capacity]) noexcept;
 
   unsigned int m_length;
   unsigned int m_capacity;

@@ -8,6 +8,7 @@
 #define MIROXGCL_LX_COLLECTION_H
 
 #include "miroxgcl/gcl_config.h"
+#include "miroxgcl/lx_iterator.h"
 
 // T supplies default construction, copying, assignment and operator==.
 template <class T>
@@ -50,6 +51,15 @@ class MIROXGCL_API LX_TCollection {
   // Hooks around assignment to this collection and comparison of it; here they do nothing.
   virtual void Lock() const;
   virtual void Unlock() const;
+
+  // For range-for and the standard algorithms.
+  using value_type = T;
+  using iterator = LX_TIndexIterator<LX_TCollection, T>;
+  using const_iterator = LX_TIndexIterator<LX_TCollection const, T const>;
+  iterator begin() { return {*this, 0}; }
+  iterator end() { return {*this, Length()}; }
+  const_iterator begin() const { return {*this, 0}; }
+  const_iterator end() const { return {*this, Length()}; }
 };
 
 // Walks a collection through its virtual interface, asking it anew at every call, so that it sees

@@ -22,7 +22,9 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -31,6 +33,12 @@
 #include "miroxgcl/lx_collection.h"
 #include "miroxgcl/lx_precondition.h"
 #include "miroxgcl/lx_unmanaged.h"
+
+// Whether items of T may be moved to another place by copying their bytes, the old place then being
+// forgotten and not destroyed. A class that keeps no pointer into itself, and that nobody keeps a
+// pointer to, may say so in a specialisation.
+template <class T>
+struct LX_TIsRelocatable : std::is_trivially_copyable<T> {};
 
 // When T's copying or M throws, the array keeps its value; an assignment leaves it empty where the
 // new items have begun to come. (A T that can be neither copied nor moved without throwing may leave
@@ -93,9 +101,17 @@ class MIROXGCL_API LX_TDynamic {
   void Clear() { Resize(0, 0, 0); }
 
   // Put `item` first or last: constant time unless the array is full. `item` may be one of this
-  // array's own, here and below.
-  void Insert(T const& item);
-  void Append(T const& item);
+  // array's own, here and below. (The slot beside the run is nearly always free.)
+  void Insert(T const& item) {
+    if (m_start <= 1 || m_start - 1 == m_stop) return PutFirstOrLast(item, false);
+    m_items[m_start - 2] = item;
+    --m_start;
+  }
+  void Append(T const& item) {
+    if (m_start == 0 || Wraps() || m_stop == m_size) return PutFirstOrLast(item, true);
+    m_items[m_stop] = item;
+    ++m_stop;
+  }
 
   // Put `item` before or after the item at `i`; in an empty array, `i` does not matter.
   // REQUIRES: i <= Length() for Insert, i < Length() for Append, or an empty array.
@@ -132,6 +148,15 @@ class MIROXGCL_API LX_TDynamic {
   void ShrinkRight(unsigned int p);
   void ShrinkLeft(unsigned int p);
 
+  // For range-for and the standard algorithms.
+  using value_type = T;
+  using iterator = LX_TIndexIterator<LX_TDynamic, T>;
+  using const_iterator = LX_TIndexIterator<LX_TDynamic const, T const>;
+  iterator begin() { return {*this, 0}; }
+  iterator end() { return {*this, Length()}; }
+  const_iterator begin() const { return {*this, 0}; }
+  const_iterator end() const { return {*this, Length()}; }
+
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
 
@@ -158,9 +183,9 @@ class MIROXGCL_API LX_TDynamic {
   void Grow() { Resize(m_size, m_size + 1, 1); }
   void PutFirstOrLast(T const& item, bool last);
   template <class Open>
-  void PutInside(T const& item, Open open);
+  MIROXGCL_LOCAL void PutInside(T const& item, Open open);
   template <class Open, class Item>
-  void Fill(Open open, Item&& item);
+  MIROXGCL_LOCAL void Fill(Open open, Item&& item);
 
   // A slot made free inside the run, and the positions that hold once it is filled.
   struct Opening {
@@ -184,6 +209,11 @@ class MIROXGCL_API LX_TDynamic {
       to = from;
     }
   }
+  // Shift slots `first` to `last` - 1 by one, towards the end or towards the front.
+  void ShiftUp(unsigned int first, unsigned int last);
+  void ShiftDown(unsigned int first, unsigned int last);
+
+  void CopyBytesTo(T* place, unsigned int count) const;
 
   T* m_items = nullptr;
   unsigned int m_size = 0;          // slots held: the capacity
@@ -199,6 +229,10 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
  public:
   LX_TDynamicCollection() = default;
   explicit LX_TDynamicCollection(unsigned int chunk_size) : m_dynamic(chunk_size) {}
+  LX_TDynamicCollection(std::initializer_list<T> items) {
+    m_dynamic.Preallocate(static_cast<unsigned int>(items.size()));
+    for (T const& item : items) m_dynamic.Append(item);
+  }
   LX_TDynamicCollection(LX_TDynamicCollection const& other) = default;
   LX_TDynamicCollection(LX_TDynamicCollection&& other) noexcept
       : LX_TCollection<T>(), m_dynamic(std::move(other.m_dynamic)) {}
@@ -280,40 +314,54 @@ inline LX_ChunkPlan LX_PlanChunks(unsigned int length, unsigned int chunk_size,
   return {static_cast<unsigned int>(chunks), static_cast<unsigned int>(slots)};
 }
 
-// An array of slots and what is built of it, from the last slot down to the first. It destroys and
-// releases them unless they are taken.
+// An array of slots, all of them built but for those of one gap, which may wrap at the array's end.
+// It destroys and releases them unless they are taken.
 template <class T, class M>
 class LX_TDynamic<T, M>::Slots {
  public:
+  // None is built yet.
   explicit Slots(unsigned int size)
-      : m_slots(size == 0 ? nullptr : static_cast<T*>(M::AllocateBlock(size * sizeof(T)))),
-        m_first(size),
-        m_size(size) {
+      : Slots(size == 0 ? nullptr : static_cast<T*>(M::AllocateBlock(size * sizeof(T))), size, 0,
+              size) {
     LX_REQUIRE(size == 0 || m_slots != nullptr, "Storage_Error", "LX_TDynamic::Resize", LX_kNull);
   }
-  Slots(T* slots, unsigned int size) : m_slots(slots), m_first(0), m_size(size) {}
+  Slots(T* slots, unsigned int size, unsigned int gap, unsigned int gap_size)
+      : m_slots(slots), m_size(size), m_gap(gap), m_gap_size(gap_size) {}
   Slots(Slots const&) = delete;
   Slots& operator=(Slots const&) = delete;
   ~Slots() {
-    for (; m_first != m_size; ++m_first) m_slots[m_first].~T();
+    unsigned int const end = m_gap + m_gap_size;
+    if (end <= m_size) {
+      std::destroy(m_slots, m_slots + m_gap);
+      std::destroy(m_slots + end, m_slots + m_size);
+    } else {
+      std::destroy(m_slots + (end - m_size), m_slots + m_gap);
+    }
     if (m_slots != nullptr) M::ReleaseBlock(m_slots, m_size * sizeof(T));
   }
 
-  // Builds the slot before the first: from `value`, or empty (a scalar is 0).
-  template <class... Value>
-  void Build(Value&&... value) {
-    ::new (static_cast<void*>(m_slots + m_first - 1)) T(std::forward<Value>(value)...);
-    --m_first;
+  // Builds the slots from `first` to the gap's end empty (a scalar is 0).
+  void BuildEmpty(unsigned int first) {
+    std::uninitialized_value_construct(m_slots + first, m_slots + m_gap_size);
+    m_gap_size = first;
   }
+  // Builds the gap's last slot from `value`.
+  template <class Value>
+  void Build(Value&& value) {
+    ::new (static_cast<void*>(m_slots + m_gap_size - 1)) T(std::forward<Value>(value));
+    --m_gap_size;
+  }
+  T* Data() { return m_slots; }
   T* Take() {
-    m_first = m_size = 0;
+    m_gap = m_gap_size = m_size = 0;
     return std::exchange(m_slots, nullptr);
   }
 
  private:
   T* m_slots;
-  unsigned int m_first;  // the slots from here on are built
   unsigned int m_size;
+  unsigned int m_gap;  // the first slot that is not built
+  unsigned int m_gap_size;
 };
 
 // The empty slots are built before any item is moved to the new array, so that one that throws
@@ -324,14 +372,30 @@ void LX_TDynamic<T, M>::Resize(unsigned int count, unsigned int length, int keep
   if (plan.slots == m_size) return;
   unsigned int const kept = keep != 0 ? count : 0;
   Slots fresh(plan.slots);
-  for (unsigned int i = kept; i < plan.slots; ++i) fresh.Build();
-  for (unsigned int i = kept; i > 0; --i) fresh.Build(std::move_if_noexcept(ItemAt(i - 1)));
-  Slots const old(m_items, m_size);  // goes last
+  fresh.BuildEmpty(kept);
+  bool const relocates = LX_TIsRelocatable<T>::value && kept != 0;
+  if (relocates) {
+    CopyBytesTo(fresh.Data(), kept);
+  } else {
+    for (unsigned int i = kept; i > 0; --i) fresh.Build(std::move_if_noexcept(ItemAt(i - 1)));
+  }
+  Slots const old(m_items, m_size, relocates ? m_start - 1 : 0, relocates ? kept : 0);  // goes last
   m_items = fresh.Take();
   m_size = plan.slots;
   m_total_chunks = plan.chunks;
   m_stop = length != 0 ? count : 0;
   m_start = m_stop != 0 ? 1 : 0;
+}
+
+// The bytes of the first `count` items, count > 0, which are two runs where the array wraps.
+template <class T, class M>
+void LX_TDynamic<T, M>::CopyBytesTo(T* place, unsigned int count) const {
+  unsigned int const first = m_start - 1;
+  unsigned int const run = count < m_size - first ? count : m_size - first;
+  std::memcpy(static_cast<void*>(place), static_cast<void const*>(m_items + first),
+              run * sizeof(T));
+  std::memcpy(static_cast<void*>(place + run), static_cast<void const*>(m_items),
+              (count - run) * sizeof(T));
 }
 
 template <class T, class M>
@@ -382,16 +446,6 @@ bool LX_TDynamic<T, M>::Holds(T const& item) const {
   std::less<T const*> const before;
   T const* const p = std::addressof(item);
   return m_size != 0 && !before(p, m_items) && before(p, m_items + m_size);
-}
-
-template <class T, class M>
-void LX_TDynamic<T, M>::Insert(T const& item) {
-  PutFirstOrLast(item, false);
-}
-
-template <class T, class M>
-void LX_TDynamic<T, M>::Append(T const& item) {
-  PutFirstOrLast(item, true);
 }
 
 // The positions advance only after the assignment, which may throw.
@@ -449,15 +503,33 @@ void LX_TDynamic<T, M>::Fill(Open open, Item&& item) {
 }
 
 template <class T, class M>
+void LX_TDynamic<T, M>::ShiftUp(unsigned int first, unsigned int last) {
+  if (first >= last) return;
+  if constexpr (std::is_trivially_copyable_v<T>) {
+    std::memmove(m_items + first + 1, m_items + first, (last - first) * sizeof(T));
+  } else {
+    for (unsigned int q = last; q > first; --q) Shift(m_items[q], m_items[q - 1]);
+  }
+}
+
+template <class T, class M>
+void LX_TDynamic<T, M>::ShiftDown(unsigned int first, unsigned int last) {
+  if (first >= last) return;
+  if constexpr (std::is_trivially_copyable_v<T>) {
+    std::memmove(m_items + first - 1, m_items + first, (last - first) * sizeof(T));
+  } else {
+    for (unsigned int q = first; q < last; ++q) Shift(m_items[q - 1], m_items[q]);
+  }
+}
+
+template <class T, class M>
 typename LX_TDynamic<T, M>::Opening LX_TDynamic<T, M>::OpenRight(unsigned int p) {
   unsigned int const stop = After(m_stop);
   if (m_stop == m_size) {  // the run ends in the last slot: slot 0 is the next
     if (p == m_size) return {0, m_start, stop};
     Shift(m_items[0], m_items[m_size - 1]);
   }
-  for (unsigned int q = stop == 1 ? m_size - 1 : m_stop; q > p; --q) {
-    Shift(m_items[q], m_items[q - 1]);
-  }
+  ShiftUp(p, stop == 1 ? m_size - 1 : m_stop);
   return {p, m_start, stop};
 }
 
@@ -468,21 +540,19 @@ typename LX_TDynamic<T, M>::Opening LX_TDynamic<T, M>::OpenLeft(unsigned int p) 
     if (p == 0) return {m_size - 1, start, m_stop};
     Shift(m_items[m_size - 1], m_items[0]);
   }
-  for (unsigned int q = m_start == 1 ? 0 : start - 1; q + 1 < p; ++q) {
-    Shift(m_items[q], m_items[q + 1]);
-  }
+  ShiftDown(m_start == 1 ? 1 : start, p);
   return {p - 1, start, m_stop};
 }
 
 template <class T, class M>
 void LX_TDynamic<T, M>::ShrinkRight(unsigned int p) {
-  for (unsigned int q = p; q + 1 < m_stop; ++q) Shift(m_items[q], m_items[q + 1]);
+  ShiftDown(p + 1, m_stop);
   m_stop = Before(m_stop);
 }
 
 template <class T, class M>
 void LX_TDynamic<T, M>::ShrinkLeft(unsigned int p) {
-  for (unsigned int q = p; q >= m_start; --q) Shift(m_items[q], m_items[q - 1]);
+  ShiftUp(m_start - 1, p);
   m_start = After(m_start);
 }
 

@@ -4,21 +4,17 @@
 
 #include "miroxplat/lx_exception.h"
 
-// States at the start of an operation what its caller must see to. As built, the description is
-// made and dropped and `condition` is not evaluated, all of which compiles to nothing. With
+// States at the start of an operation what its caller must see to, and what describes a violation.
+// As built, that is all: nothing is evaluated, and it costs nothing. With
 // MIROXGCL_CHECK_PRECONDITIONS the description is thrown when the condition is false.
 #ifdef MIROXGCL_CHECK_PRECONDITIONS
-#define LX_REQUIRE(condition, kind, location, reason)              \
-  do {                                                             \
-    LX_XException const description((kind), (location), (reason)); \
-    if (!(condition)) throw description;                           \
+#define LX_REQUIRE(condition, kind, location, reason)                    \
+  do {                                                                   \
+    if (!(condition)) throw LX_XException((kind), (location), (reason)); \
   } while (false)
 #else
-#define LX_REQUIRE(condition, kind, location, reason)              \
-  do {                                                             \
-    LX_XException const description((kind), (location), (reason)); \
-    static_cast<void>(description);                                \
-  } while (false)
+#define LX_REQUIRE(condition, kind, location, reason) \
+  static_cast<void>(sizeof(LX_XException((kind), (location), (reason))))
 #endif
 
 #endif

@@ -44,6 +44,14 @@ class MIROXGCL_API LX_TStack {
   // Hooks that assignment from this stack and comparison with it call; here they do nothing.
   virtual void Lock();
   virtual void Unlock();
+
+  // For range-for and the standard algorithms: from the top, not for writing.
+  T const& operator[](unsigned int i) const { return ItemAt(i); }
+  using value_type = T;
+  using const_iterator = LX_TIndexIterator<LX_TStack const, T const>;
+  using iterator = const_iterator;
+  const_iterator begin() const { return {*this, 0}; }
+  const_iterator end() const { return {*this, Depth()}; }
 };
 
 // Walks a stack from its top, asking it anew at every call. A plain value; the stack must outlive

@@ -13,6 +13,8 @@
 #define MIROXGCL_LX_UNBOUNDED_H
 
 #include <cstddef>
+#include <initializer_list>
+#include <iterator>
 #include <utility>
 
 #include "miroxgcl/gcl_config.h"
@@ -47,6 +49,9 @@ template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TUnbounded {
  public:
   LX_TUnbounded() noexcept = default;
+  LX_TUnbounded(std::initializer_list<T> items) {
+    for (T const& item : items) Append(item);
+  }
   LX_TUnbounded(LX_TUnbounded const& other) : LX_TUnbounded() { *this = other; }
   LX_TUnbounded(LX_TUnbounded&& other) noexcept { Steal(other); }
   ~LX_TUnbounded() { Clear(); }
@@ -113,6 +118,18 @@ class MIROXGCL_API LX_TUnbounded {
   // remembered position, when its item is equal. REQUIRES: start <= Length().
   int Location(T const& item, unsigned int start) const;
 
+  // For range-for and the standard algorithms: from the first node to the last. An iterator stands
+  // until its item is removed, and does not move the remembered position.
+  template <class Item>
+  class NodeIterator;
+  using value_type = T;
+  using iterator = NodeIterator<T>;
+  using const_iterator = NodeIterator<T const>;
+  iterator begin() { return iterator(m_head); }
+  iterator end() { return iterator(nullptr); }
+  const_iterator begin() const { return const_iterator(m_head); }
+  const_iterator end() const { return const_iterator(nullptr); }
+
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
 
@@ -143,6 +160,34 @@ class MIROXGCL_API LX_TUnbounded {
 };
 
 // --- Implementation.
+
+template <class T, class M>
+template <class Item>
+class LX_TUnbounded<T, M>::NodeIterator {
+ public:
+  using iterator_category = std::forward_iterator_tag;
+  using value_type = T;
+  using difference_type = std::ptrdiff_t;
+  using pointer = Item*;
+  using reference = Item&;
+
+  NodeIterator() = default;
+  explicit NodeIterator(Node* node) : m_node(node) {}
+
+  reference operator*() const { return m_node->m_item; }
+  pointer operator->() const { return &m_node->m_item; }
+  NodeIterator& operator++() {
+    m_node = m_node->m_next;
+    return *this;
+  }
+  NodeIterator operator++(int) { return NodeIterator(std::exchange(m_node, m_node->m_next)); }
+
+  friend bool operator==(NodeIterator a, NodeIterator b) { return a.m_node == b.m_node; }
+  friend bool operator!=(NodeIterator a, NodeIterator b) { return a.m_node != b.m_node; }
+
+ private:
+  Node* m_node = nullptr;
+};
 
 template <class T, class M>
 void LX_TUnbounded<T, M>::Steal(LX_TUnbounded& other) noexcept {

@@ -14,14 +14,15 @@ MIROXPLAT_API extern char const* const LX_kNotEmpty;
 }
 
 // Describes a violated precondition by three texts, which it points to and does not copy: building
-// one allocates nothing, so that a description which is not thrown costs nothing.
+// and dropping one is inline and allocates nothing, so that a description which is not thrown costs
+// nothing.
 class MIROXPLAT_API LX_XException : public std::exception {
  public:
   // `kind` names the class of failure, `location` the class and operation, `reason` is one of the
   // four constants above. The texts must outlive the object.
   LX_XException(char const* kind, char const* location, char const* reason) noexcept
       : m_kind(kind), m_location(location), m_reason(reason) {}
-  ~LX_XException() override;
+  ~LX_XException() override = default;
 
   char const* kind() const noexcept { return m_kind; }
   char const* location() const noexcept { return m_location; }

@@ -1,0 +1,25 @@
+# How gdb shows the library's classes: a script that gdb loads together with the library, and the
+# test of it.
+
+# gdb finds the script by the library's full path, which is known when the prefix is: here the
+# installed tree cannot be moved.
+install(CODE "file(REAL_PATH \"${CMAKE_INSTALL_LIBDIR}\" gdb_library_dir
+                   BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")")
+install(FILES ${PROJECT_SOURCE_DIR}/tools/gdb_printers.py
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${gdb_library_dir}"
+        RENAME $<TARGET_FILE_NAME:miroxgcl>-gdb.py)
+
+# For the directory of the tests. A sanitizer's shadow memory does not go into a core file.
+function(add_gdb_test)
+  if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+    return()
+  endif()
+  add_executable(gdb_program gdb_program.cc)
+  target_compile_options(gdb_program PRIVATE -O0 -g)
+  target_link_libraries(gdb_program PRIVATE miroxgcl::miroxgcl)
+  add_test(NAME gdb_test
+           COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/gdb_test $<TARGET_FILE:gdb_program>
+                   ${PROJECT_SOURCE_DIR}/tools/gdb_printers.py
+                   ${CMAKE_CURRENT_SOURCE_DIR}/gdb_session.txt)
+  set_tests_properties(gdb_test PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
+endfunction()

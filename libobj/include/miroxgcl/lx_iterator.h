@@ -1,0 +1,78 @@
+// LX_TIndexIterator: the iterators that begin() and end() of the containers answer.
+//
+//   for (GCL_String& s : list) s.append('!');
+//   bool const found = std::find(list.begin(), list.end(), "x") != list.end();
+#ifndef MIROXGCL_LX_ITERATOR_H
+#define MIROXGCL_LX_ITERATOR_H
+
+#include <cstddef>
+#include <iterator>
+#include <type_traits>
+
+// A container and an index. It reaches the items through the container's own operations, and so
+// stands through every change of it; it is valid while its index is at most the length. Container
+// is constant for a constant iterator. Steps cost nothing, a look-up what operator[] costs there.
+template <class Container, class Item>
+class LX_TIndexIterator {
+ public:
+  using iterator_category = std::random_access_iterator_tag;
+  using value_type = std::remove_const_t<Item>;
+  using difference_type = std::ptrdiff_t;
+  using pointer = Item*;
+  using reference = Item&;
+
+  LX_TIndexIterator() = default;
+  LX_TIndexIterator(Container& container, unsigned int index)
+      : m_container(&container), m_index(static_cast<difference_type>(index)) {}
+
+  reference operator*() const { return (*m_container)[static_cast<unsigned int>(m_index)]; }
+  pointer operator->() const { return &**this; }
+  reference operator[](difference_type n) const { return *(*this + n); }
+
+  LX_TIndexIterator& operator+=(difference_type n) {
+    m_index += n;
+    return *this;
+  }
+  LX_TIndexIterator& operator-=(difference_type n) { return *this += -n; }
+  LX_TIndexIterator& operator++() { return *this += 1; }
+  LX_TIndexIterator& operator--() { return *this -= 1; }
+  LX_TIndexIterator operator++(int) {
+    LX_TIndexIterator const before = *this;
+    ++*this;
+    return before;
+  }
+  LX_TIndexIterator operator--(int) {
+    LX_TIndexIterator const before = *this;
+    --*this;
+    return before;
+  }
+
+  friend LX_TIndexIterator operator+(LX_TIndexIterator i, difference_type n) { return i += n; }
+  friend LX_TIndexIterator operator+(difference_type n, LX_TIndexIterator i) { return i += n; }
+  friend LX_TIndexIterator operator-(LX_TIndexIterator i, difference_type n) { return i -= n; }
+  friend difference_type operator-(LX_TIndexIterator const& a, LX_TIndexIterator const& b) {
+    return a.m_index - b.m_index;
+  }
+  friend bool operator==(LX_TIndexIterator const& a, LX_TIndexIterator const& b) {
+    return a.m_index == b.m_index;
+  }
+  friend bool operator!=(LX_TIndexIterator const& a, LX_TIndexIterator const& b) {
+    return !(a == b);
+  }
+  friend bool operator<(LX_TIndexIterator const& a, LX_TIndexIterator const& b) {
+    return a.m_index < b.m_index;
+  }
+  friend bool operator>(LX_TIndexIterator const& a, LX_TIndexIterator const& b) { return b < a; }
+  friend bool operator<=(LX_TIndexIterator const& a, LX_TIndexIterator const& b) {
+    return !(b < a);
+  }
+  friend bool operator>=(LX_TIndexIterator const& a, LX_TIndexIterator const& b) {
+    return !(a < b);
+  }
+
+ private:
+  Container* m_container = nullptr;
+  difference_type m_index = 0;
+};
+
+#endif
