@@ -1,12 +1,10 @@
-// Reading text by lines, and converting its line ends.
-#include <benchmark/benchmark.h>
-
+// Reading text by lines, and converting its line ends: 100 MB in lines of 80 bytes.
 #include <cstdio>
-#include <cstring>
 #include <fstream>
 #include <memory>
 #include <string>
 
+#include "compare.h"
 #include "miroxgcl/gcl_string.h"
 
 namespace {
@@ -14,16 +12,21 @@ namespace {
 constexpr std::size_t text_size = 100'000'000;
 constexpr std::size_t line_size = 80;
 
-std::string text_of_lines() {
-  std::string text(text_size, 'x');
-  for (std::size_t i = line_size - 1; i < text.size(); i += line_size) text[i] = '\n';
+std::string const& unix_text() {
+  static std::string const text = [] {
+    std::string result(text_size, 'x');
+    for (std::size_t i = line_size - 1; i < text_size; i += line_size) result[i] = '\n';
+    return result;
+  }();
   return text;
 }
 
-// A file of 80-byte lines that goes with the process.
+// A file of the text that goes with the process.
 class LineFile {
  public:
-  LineFile() : m_name("miroxgcl_text_bench.tmp") { std::ofstream(m_name) << text_of_lines(); }
+  LineFile() : m_name("miroxgcl_text_bench.tmp") { std::ofstream(m_name) << unix_text(); }
+  LineFile(LineFile const&) = delete;
+  LineFile& operator=(LineFile const&) = delete;
   ~LineFile() { std::remove(m_name.c_str()); }
   std::string const& name() const { return m_name; }
 
@@ -31,24 +34,17 @@ class LineFile {
   std::string m_name;
 };
 
-LineFile const& line_file() {
-  static LineFile const file;
-  return file;
-}
-
 template <class String>
-void read_lines(benchmark::State& state) {
-  for (auto _ : state) {
-    std::ifstream in(line_file().name());
+void read_lines(long rounds) {
+  static LineFile const file;
+  for (long i = 0; i < rounds; ++i) {
+    std::ifstream in(file.name());
     String line;
     std::size_t bytes = 0;
     while (getline(in, line)) bytes += line.length();
-    benchmark::DoNotOptimize(bytes);
+    keep(bytes);
   }
-  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text_size));
 }
-BENCHMARK_TEMPLATE(read_lines, std::string)->Name("getline/std")->Unit(benchmark::kMillisecond);
-BENCHMARK_TEMPLATE(read_lines, GCL_String)->Name("getline/ours")->Unit(benchmark::kMillisecond);
 
 // The limit: one hand-written pass over memory.
 char* to_pc_by_hand(char* out, char const* p, char const* end) {
@@ -66,49 +62,48 @@ char* from_pc_by_hand(char* out, char const* p, char const* end) {
   return out;
 }
 
-void convert_by_hand(benchmark::State& state, char* (*convert)(char*, char const*, char const*),
-                     std::string const& text) {
-  for (auto _ : state) {
-    std::unique_ptr<char[]> out(new char[text.size() * 2]);
-    benchmark::DoNotOptimize(convert(out.get(), text.data(), text.data() + text.size()));
-    benchmark::ClobberMemory();
-  }
-}
-
-void convert(benchmark::State& state, GCL_String& (GCL_String::*convert)(),
-             GCL_String const& text) {
-  for (auto _ : state) {
-    GCL_String copy(text);  // shared, so that each round builds its result anew
-    benchmark::DoNotOptimize((copy.*convert)());
-  }
-}
-
-std::string const& unix_text() {
-  static std::string const text = text_of_lines();
-  return text;
-}
-
 std::string const& pc_text() {
   static std::string const text = [] {
-    std::string result(unix_text().size() + unix_text().size() / line_size + 1, '\0');
-    char* const end = to_pc_by_hand(&result[0], unix_text().data(), unix_text().data() + text_size);
+    std::string result(text_size + text_size / line_size + 1, '\0');
+    char const* const begin = unix_text().data();
+    char* const end = to_pc_by_hand(result.data(), begin, begin + text_size);
     result.resize(static_cast<std::size_t>(end - result.data()));
     return result;
   }();
   return text;
 }
 
-GCL_String shared(std::string const& text) {
-  return {text.data(), static_cast<unsigned int>(text.size())};
+template <std::string const& text(), char* convert(char*, char const*, char const*)>
+void convert_by_hand(long rounds) {
+  char const* const begin = text().data();
+  for (long i = 0; i < rounds; ++i) {
+    std::unique_ptr<char[]> out(new char[text_size + text_size / line_size + 1]);
+    char* end = convert(out.get(), begin, begin + text().size());
+    keep(end);
+  }
 }
 
-void to_pc_hand(benchmark::State& s) { convert_by_hand(s, to_pc_by_hand, unix_text()); }
-void to_pc_ours(benchmark::State& s) { convert(s, &GCL_String::to_pc_mode, shared(unix_text())); }
-void from_pc_hand(benchmark::State& s) { convert_by_hand(s, from_pc_by_hand, pc_text()); }
-void from_pc_ours(benchmark::State& s) { convert(s, &GCL_String::from_pc_mode, shared(pc_text())); }
-BENCHMARK(to_pc_hand)->Name("to_pc_mode/by hand")->Unit(benchmark::kMillisecond);
-BENCHMARK(to_pc_ours)->Name("to_pc_mode/ours")->Unit(benchmark::kMillisecond);
-BENCHMARK(from_pc_hand)->Name("from_pc_mode/by hand")->Unit(benchmark::kMillisecond);
-BENCHMARK(from_pc_ours)->Name("from_pc_mode/ours")->Unit(benchmark::kMillisecond);
+template <std::string const& text(), GCL_String& (GCL_String::*convert)()>
+void convert_ours(long rounds) {
+  GCL_String const original(text().data(), static_cast<unsigned int>(text().size()));
+  for (long i = 0; i < rounds; ++i) {
+    GCL_String copy(original);  // shared, so that each round builds its result anew
+    (copy.*convert)();
+    keep(copy);
+  }
+}
 
 }  // namespace
+
+int main(int argc, char** argv) {
+  Row("getline of 100 MB in 80-byte lines", "std::getline <= 2", 1)
+      .ours(read_lines<GCL_String>)
+      .peer("std::getline", read_lines<std::string>);
+  Row("to_pc_mode of 100 MB", "by hand <= 1.5", 1)
+      .ours(convert_ours<unix_text, &GCL_String::to_pc_mode>)
+      .peer("by hand", convert_by_hand<unix_text, to_pc_by_hand>);
+  Row("from_pc_mode of 100 MB", "by hand <= 1.5", 1)
+      .ours(convert_ours<pc_text, &GCL_String::from_pc_mode>)
+      .peer("by hand", convert_by_hand<pc_text, from_pc_by_hand>);
+  return run_rows(argc, argv);
+}
