@@ -20,17 +20,6 @@ void* allocate(std::size_t n) {
   return p;
 }
 
-void* allocate_or_throw(std::size_t n) {
-  void* const p = allocate(n);
-  if (p == nullptr) throw std::bad_alloc();
-  return p;
-}
-
-void release(void* p) {
-  if (p != nullptr) --s_live_blocks;
-  std::free(p);
-}
-
 }  // namespace
 
 failing_allocator::failing_allocator(int n) {
@@ -41,11 +30,17 @@ failing_allocator::~failing_allocator() { s_allocations_left = 0; }
 std::size_t failing_allocator::live_blocks() { return s_live_blocks; }
 std::size_t failing_allocator::failed_size() { return s_failed_size; }
 
-void* operator new(std::size_t n) { return allocate_or_throw(n); }
-void* operator new[](std::size_t n) { return allocate_or_throw(n); }
+void* operator new(std::size_t n) {
+  void* const p = allocate(n);
+  return p != nullptr ? p : throw std::bad_alloc();
+}
+void* operator new[](std::size_t n) { return operator new(n); }
 void* operator new(std::size_t n, std::nothrow_t const&) noexcept { return allocate(n); }
 void* operator new[](std::size_t n, std::nothrow_t const&) noexcept { return allocate(n); }
-void operator delete(void* p) noexcept { release(p); }
-void operator delete[](void* p) noexcept { release(p); }
-void operator delete(void* p, std::size_t) noexcept { release(p); }
-void operator delete[](void* p, std::size_t) noexcept { release(p); }
+void operator delete(void* p) noexcept {
+  if (p != nullptr) --s_live_blocks;
+  std::free(p);
+}
+void operator delete[](void* p) noexcept { operator delete(p); }
+void operator delete(void* p, std::size_t) noexcept { operator delete(p); }
+void operator delete[](void* p, std::size_t) noexcept { operator delete(p); }

@@ -14,8 +14,7 @@
 class failing_allocator {
  public:
   explicit failing_allocator(int n);
-  failing_allocator(failing_allocator const&) = delete;
-  failing_allocator& operator=(failing_allocator const&) = delete;
+  failing_allocator(failing_allocator&&) = delete;
   ~failing_allocator();
 
   // Blocks of operator new that were not given back yet.

@@ -15,16 +15,18 @@ std::string recorded(credutl_sid_s const* sid) {
 std::string recorded(credutl_sid_s*) { return {}; }
 std::string recorded(char*) { return {}; }
 
+// What takes the place of the service `name`.
 template <class Result, class... Arguments>
-Result call(std::function<Result(Arguments...)> fake_services::*hook, std::string const& name,
-            Arguments... arguments) {
-  if (s_current != nullptr) {
-    std::string const list = (std::string() + ... + recorded(arguments));
-    s_current->calls.push_back(name + "(" + list.substr(0, list.rfind(',')) + ")");
-    if (s_current->*hook) return (s_current->*hook)(arguments...);
-  }
-  Result (*const service)(Arguments...) = nullptr;  // for its type
-  return replaced(service, ("sysutl_" + name).c_str())(arguments...);
+auto service(std::function<Result(Arguments...)> fake_services::*hook, std::string const& name) {
+  return [=](Arguments... arguments) -> Result {
+    if (s_current != nullptr) {
+      std::string const list = (std::string() + ... + recorded(arguments));
+      s_current->calls.push_back(name + "(" + list.substr(0, list.rfind(',')) + ")");
+      if (s_current->*hook) return (s_current->*hook)(arguments...);
+    }
+    Result (*const real)(Arguments...) = nullptr;  // for its type
+    return replaced(real, ("sysutl_" + name).c_str())(arguments...);
+  };
 }
 
 }  // namespace
@@ -32,34 +34,15 @@ Result call(std::function<Result(Arguments...)> fake_services::*hook, std::strin
 fake_services::fake_services() { s_current = this; }
 fake_services::~fake_services() { s_current = nullptr; }
 
-char const* sysutl_myloginname() { return call(&fake_services::myloginname, "myloginname"); }
+#define FAKE(result, name, parameters, arguments) \
+  result sysutl_##name parameters { return service(&fake_services::name, #name) arguments; }
 
-char const* sysutl_mygroupname() { return call(&fake_services::mygroupname, "mygroupname"); }
-
-char const* sysutl_usid_to_user(credutl_sid_s const* sid, int a, int b) {
-  return call(&fake_services::usid_to_user, "usid_to_user", sid, a, b);
-}
-
-char const* sysutl_gsid_to_group(credutl_sid_s const* sid, int a, int b) {
-  return call(&fake_services::gsid_to_group, "gsid_to_group", sid, a, b);
-}
-
-int sysutl_user_to_usid(char const* user, int a, credutl_sid_s* sid) {
-  return call(&fake_services::user_to_usid, "user_to_usid", user, a, sid);
-}
-
-int sysutl_user_to_gsid(char const* user, int a, credutl_sid_s* sid) {
-  return call(&fake_services::user_to_gsid, "user_to_gsid", user, a, sid);
-}
-
-int sysutl_group_to_gsid(char const* group, int a, credutl_sid_s* sid) {
-  return call(&fake_services::group_to_gsid, "group_to_gsid", group, a, sid);
-}
-
-char const* sysutl_user_to_fullname(char const* user) {
-  return call(&fake_services::user_to_fullname, "user_to_fullname", user);
-}
-
-int sysutl_get_homedir(char const* user, int size, char* buffer) {
-  return call(&fake_services::get_homedir, "get_homedir", user, size, buffer);
-}
+FAKE(char const*, myloginname, (), ())
+FAKE(char const*, mygroupname, (), ())
+FAKE(char const*, usid_to_user, (credutl_sid_s const* sid, int a, int b), (sid, a, b))
+FAKE(char const*, gsid_to_group, (credutl_sid_s const* sid, int a, int b), (sid, a, b))
+FAKE(int, user_to_usid, (char const* user, int a, credutl_sid_s* sid), (user, a, sid))
+FAKE(int, user_to_gsid, (char const* user, int a, credutl_sid_s* sid), (user, a, sid))
+FAKE(int, group_to_gsid, (char const* group, int a, credutl_sid_s* sid), (group, a, sid))
+FAKE(char const*, user_to_fullname, (char const* user), (user))
+FAKE(int, get_homedir, (char const* user, int size, char* buffer), (user, size, buffer))
