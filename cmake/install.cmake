@@ -5,20 +5,25 @@ include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/miroxgcl)
 
-install(TARGETS miroxplat miroxgcl EXPORT miroxgclTargets)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/libobj/include/ TYPE INCLUDE FILES_MATCHING PATTERN "*.h")
-install(EXPORT miroxgclTargets NAMESPACE miroxgcl:: DESTINATION ${package_dir})
+install(TARGETS miroxplat miroxgcl EXPORT miroxgclTargets
+        LIBRARY COMPONENT runtime NAMELINK_COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/libobj/include/ TYPE INCLUDE COMPONENT development
+        FILES_MATCHING PATTERN "*.h")
+install(EXPORT miroxgclTargets NAMESPACE miroxgcl:: DESTINATION ${package_dir}
+        COMPONENT development)
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/miroxgclConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_SOURCE_DIR}/cmake/miroxgclConfig.cmake
-              ${PROJECT_BINARY_DIR}/miroxgclConfigVersion.cmake DESTINATION ${package_dir})
+              ${PROJECT_BINARY_DIR}/miroxgclConfigVersion.cmake DESTINATION ${package_dir}
+        COMPONENT development)
 
 set(pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH pc_prefix /${pc_dir} /)
 string(REGEX REPLACE "/$" "" pc_prefix "${pc_prefix}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/miroxgcl.pc.in ${PROJECT_BINARY_DIR}/miroxgcl.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/miroxgcl.pc DESTINATION ${pc_dir})
+install(FILES ${PROJECT_BINARY_DIR}/miroxgcl.pc DESTINATION ${pc_dir} COMPONENT development)
 
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples TYPE DOC FILES_MATCHING PATTERN "*.cc")
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples TYPE DOC COMPONENT documentation
+        FILES_MATCHING PATTERN "*.cc")
 include(${PROJECT_SOURCE_DIR}/cmake/gdb.cmake)
