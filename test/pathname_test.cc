@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "miroxplat/fileutl.h"
 #include "support/failing_allocator.h"
@@ -91,7 +92,11 @@ TEST(Pathname, PassesWhatTheFileUtilitySays) {
   EXPECT_EQ(answers("!"), ",,,,,,");
   std::string const here = std::filesystem::current_path();
   EXPECT_EQ(answers("x/../y//"), here + "/y,x/..,y,,,,");
-  EXPECT_EQ(answers("/proc/sys/../stat"), "/proc/stat,/proc/sys/..,stat,proc,/proc,stat,");
+  std::string mounts;
+  std::getline(std::ifstream("/proc/mounts"), mounts, '\0');
+  if (("\n" + mounts).find("\nproc /proc proc ") == std::string::npos) return;  // no usual machine
+  EXPECT_EQ(answers("/proc/sys/../version"),
+            "/proc/version,/proc/sys/..,version,proc,/proc,version,");
 }
 
 }  // namespace
