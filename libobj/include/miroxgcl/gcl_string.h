@@ -31,8 +31,8 @@ extern template class MIROXGCL_API GCL_Handle<GCL_StringRep>;
 //
 // An argument may be the string itself or point into its text; it is used as if copied first.
 //
-// For one thread at a time, together with all strings that share the body: even constant operations
-// write the terminating NUL behind the text.
+// For one thread at a time, all strings together: they share bodies and the store that bodies come
+// from, and even constant operations write the terminating NUL behind the text.
 class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
  public:
   // As a count: all of the source. As the result of a search: nothing found.

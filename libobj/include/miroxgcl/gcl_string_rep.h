@@ -47,8 +47,9 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
     return m_null_instance;
   }
 
-  // Bodies that go are kept, up to a number, for those that come: a string's body costs a few
-  // instructions where its buffer costs an allocation.
+  // Up to 256 bodies stand in static memory of the library's own, where one costs a few instructions;
+  // the rest come from the heap, and throw std::bad_alloc when there is no more. (Under the address
+  // sanitizer all do, so that it sees each come and go.)
   static void* operator new(std::size_t n);
   static void operator delete(void* p) noexcept;
   static void* operator new(std::size_t, void* place) noexcept { return place; }
