@@ -255,7 +255,7 @@ void check_locks(Class& a, Class& b, void const* locked) {
   EXPECT_EQ(locked_by([&] { EXPECT_TRUE((any_a = any_a) == any_a); }), locks{});
   EXPECT_EQ(locked_by([&] { EXPECT_TRUE((a = b) == b && a.ItemAt(2).value == 3); }), locks{});
   s_fuse = 2;
-  EXPECT_EQ(locked_by([&] { EXPECT_THROW(any_a == any_b, failure); }), locks{locked});
+  EXPECT_EQ(locked_by([&] { EXPECT_THROW(any_a.operator==(any_b), failure); }), locks{locked});
   s_fuse = 6;
   EXPECT_EQ(locked_by([&] { EXPECT_THROW(any_a = any_b, failure); }), locks{locked});
   EXPECT_TRUE(a.IsEmpty() && b.Cardinality() == 3);
