@@ -2,6 +2,7 @@
 // which position a list remembers. Arguments are now and then the container's own items.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <string>
 #include <utility>
@@ -58,14 +59,14 @@ struct beside {
     if (what == 3) put(behind, value), real.Append(x, i);
     if (what == 4 && n != 0) model[i] = value, touched = static_cast<int>(i), real.Replace(i, x);
     if (what >= 5 && n != 0) {
-      model.erase(model.begin() + i);
+      model.erase(std::next(model.begin(), static_cast<int>(i)));
       touched = static_cast<int>(std::min(i, n - 2));
       real.Remove(i);
     }
     if (model.empty()) touched = -1;
   }
   void put(unsigned int at, T const& value) {
-    model.insert(model.begin() + at, value);
+    model.insert(std::next(model.begin(), static_cast<int>(at)), value);
     touched = static_cast<int>(at);
   }
   void check() const {
@@ -73,7 +74,7 @@ struct beside {
     FUZZ_CHECK(std::equal(model.begin(), model.end(), real.begin()));
   }
   int first_from(T const& x, unsigned int start) const {
-    auto const found = std::find(model.begin() + start, model.end(), x);
+    auto const found = std::find(std::next(model.begin(), static_cast<int>(start)), model.end(), x);
     return found != model.end() ? static_cast<int>(found - model.begin()) : -1;
   }
 };
