@@ -21,8 +21,7 @@ class MIROXGCL_API GCL_Pathname : public GCL_String {
 
   // Joins `other` onto this pathname with one separator at the seam: adds it unless this pathname
   // is empty or ends with it, and drops one that `other` begins with. "a" with "" becomes "a/", ""
-  // with
-  // "/b" becomes "b". `other` may be this object. When memory is lacking, throws and leaves the
+  // with "/b" becomes "b". `other` may be this object. When memory is lacking, throws and leaves the
   // value as it was.
   GCL_Pathname& append_path(GCL_Pathname const& other);
 
