@@ -117,9 +117,12 @@ TEST(Identity, RealServicesKnowRootAndNameWhatIsMissing) {
   auto const group = root.primary_group(status);
   EXPECT_EQ(GCL_OSGroup(status, group.sid(status)), group);
   EXPECT_TRUE(status.is_ok());
-  std::string const end = " is named \"no%such\" on this system.\n";
-  check("1002 held\nNo user" + end, [](auto& s) { return named("no%such").primary_group(s); });
-  check("1002 held\nNo group" + end, [](auto& s) { return named<GCL_OSGroup>("no%such").sid(s); });
+  auto const unknown = [](std::string const& word, std::string const& database) {
+    return "1002 held\nNo " + word + " is named \"no%such\" on this system: \"getent " + database +
+           "\" lists those there are.\n";
+  };
+  check(unknown("user", "passwd"), [](auto& s) { return named("no%such").primary_group(s); });
+  check(unknown("group", "group"), [](auto& s) { return named<GCL_OSGroup>("no%such").sid(s); });
 }
 
 }  // namespace

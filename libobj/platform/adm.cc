@@ -15,12 +15,14 @@ std::mutex s_mutex;  // guards the two below
 adm_handle_t s_last = 0;
 adm_handle_t s_held[ADM_MAX_HANDLES] = {};  // 0: free
 
-// A new handle, or 0 when none is left.
-adm_handle_t add_handle() {
+// ADM_OK and a new handle, or the code that says why there is none.
+int add_handle(adm_handle_t* handle) {
   std::lock_guard const lock(s_mutex);
+  if (s_last == std::numeric_limits<adm_handle_t>::max()) return ADM_NUMBERS_USED;
   adm_handle_t* const place = std::find(std::begin(s_held), std::end(s_held), 0u);
-  if (place == std::end(s_held) || s_last == std::numeric_limits<adm_handle_t>::max()) return 0;
-  return *place = ++s_last;
+  if (place == std::end(s_held)) return ADM_TABLE_FULL;
+  *handle = *place = ++s_last;
+  return ADM_OK;
 }
 
 // 0, or the code and printed error for a name that nothing can have.
@@ -51,13 +53,19 @@ int adm_get_handle(char const* name, adm_handle_t* handle) {
   }
   *handle = 0;
   if (int const code = check_name(name); code != ADM_OK) return code;
-  *handle = add_handle();
-  if (*handle != 0) return ADM_OK;
-  imsg_print(error_slot,
-             "No administrative handle is left for \"%s\": a process can hold %d. Free those no "
-             "longer needed.\n",
-             -1, name, int{ADM_MAX_HANDLES});
-  return ADM_TABLE_FULL;
+  int const code = add_handle(handle);
+  if (code == ADM_TABLE_FULL) {
+    imsg_print(error_slot,
+               "No administrative handle is left for \"%s\": a process can hold %d. Free those no "
+               "longer needed.\n",
+               -1, name, int{ADM_MAX_HANDLES});
+  } else if (code == ADM_NUMBERS_USED) {
+    imsg_print(error_slot,
+               "No administrative handle is left for \"%s\": this process has had all %u. Restart "
+               "it.\n",
+               -1, name, std::numeric_limits<adm_handle_t>::max());
+  }
+  return code;
 }
 
 void adm_free_handle(adm_handle_t* handle) {

@@ -54,18 +54,22 @@ answer<Entry> look_up(int (*query)(Key, Entry*, char*, std::size_t, Entry**), Ke
 
 char const* word_for(sid_kind kind) { return kind == sid_kind::user ? "user" : "group"; }
 
+char const* database_of(sid_kind kind) { return kind == sid_kind::user ? "passwd" : "group"; }
+
 // Prints why there is no such entry; `asked_for` is its name or number. Returns the failure's code.
 template <class Entry>
 int report(answer<Entry> const& failed, sid_kind kind, char const* relation,
            char const* asked_for) {
   char const* const word = word_for(kind);
   if (failed.error == 0) {
-    imsg_print(error_slot, "No %s %s \"%s\" on this system.\n", -1, word, relation, asked_for);
+    imsg_print(error_slot, "No %s %s \"%s\" on this system: \"getent %s\" lists those there are.\n",
+               -1, word, relation, asked_for, database_of(kind));
     return no_such_name;
   }
   imsg_print(error_slot,
-             "Cannot look for the %s that %s \"%s\": the system's database failed: %s\n", -1, word,
-             relation, asked_for, std::strerror(failed.error));
+             "Cannot look for the %s that %s \"%s\": the system's database failed: %s. See what "
+             "/etc/nsswitch.conf names for \"%s\", and try again.\n",
+             -1, word, relation, asked_for, std::strerror(failed.error), database_of(kind));
   return database_failure;
 }
 
@@ -99,8 +103,9 @@ bool get_number(credutl_sid_s const* sid, sid_kind kind, std::uint32_t* number) 
   for (std::size_t i = 0; sid != nullptr && i < sizeof sid->bytes; ++i) {
     std::snprintf(digits + 2 * i, 3, "%02x", static_cast<unsigned int>(sid->bytes[i]));
   }
-  imsg_print(error_slot, "The identifier \"%s\" is no %s's: it is damaged or of another kind.\n",
-             -1, digits, word_for(kind));
+  imsg_print(error_slot, "The identifier \"%s\" is no %s's: it is %s. Take one from %s.\n", -1,
+             digits, word_for(kind), sid != nullptr ? "damaged or of another kind" : "missing",
+             kind == sid_kind::user ? "sysutl_user_to_usid" : "sysutl_group_to_gsid");
   return false;
 }
 

@@ -54,17 +54,17 @@ char const* or_else(char const* text, char const* substitute) {
   return text != nullptr ? text : substitute;
 }
 
-// Why the entry has no text; empty when it has one.
+// Why the entry has no text, and what to mend; empty when it has one.
 std::string missing_text(tbs_msg_table_t const* table, int index) {
   std::string const entry = "Internal error: message " + std::to_string(index);
-  if (table == nullptr) return entry + " of no message table.\n";
-  if (table->texts != nullptr && index >= 0 && index < table->count &&
-      table->texts[index] != nullptr) {
-    return {};
-  }
+  if (table == nullptr) return entry + " of no message table: give this call a table.\n";
+  bool const exists = index >= 0 && index < table->count;
+  if (exists && table->texts != nullptr && table->texts[index] != nullptr) return {};
   return entry + " is not in the table of \"" + or_else(table->catalog, "(no catalog)") +
-         "\", set " + std::to_string(table->set) + ", which has " + std::to_string(table->count) +
-         ".\n";
+         "\", set " + std::to_string(table->set) + ", " +
+         (exists ? "whose text for it is null: add the text.\n"
+                 : "which counts " + std::to_string(table->count) +
+                       " from 0: correct this call's index.\n");
 }
 
 void print(char const* text, char const* component, char const* file, int line) {

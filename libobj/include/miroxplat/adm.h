@@ -24,7 +24,8 @@ enum {
   ADM_EMPTY_NAME = 1,
   ADM_LONG_NAME = 2,
   ADM_TABLE_FULL = 3,
-  ADM_NO_PLACE = 4  // a null `handle`
+  ADM_NO_PLACE = 4,     // a null `handle`
+  ADM_NUMBERS_USED = 5  // the process has had every value that there is
 };
 
 // Acquires a handle on `name`, to be freed with adm_free_handle. On failure prints an error, sets
