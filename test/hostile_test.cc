@@ -1,0 +1,110 @@
+// What callers, the environment and the world can do to the library: nothing that crashes it.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <iostream>
+#include <random>
+
+#include "miroxgcl/gcl.h"
+#include "miroxplat/sysutl.h"
+#include "support/child.h"
+
+namespace {
+
+// All that reads the environment or writes to the standard streams. An assertion that fails goes on.
+void use_everything() {
+  setenv("GCL_ASSERT_CONTINUE", "1", 1);
+  GCL_ImsgCollector().add_message("lost", 6);
+  GCL_Status status;
+  {
+    GCL_ImsgRedirect const redirect(status);
+    GCL_CTRACE("Hostile", "use", GCL_Debug::general, GCL_Debug::coarse);
+    GCL_CTRACE_OUT("line");
+    GCL_Indent const block("block");
+    std::cerr << block << GCL_DateTime(0).long_date_time();
+    imsg_print(6, "%s", -1, "message");
+    GCL_ASSERT(false);
+  }
+  imsg_print(0, "%s", -1, "displayed");
+  if (status.get_message_stack() == nullptr) std::exit(2);
+}
+
+void close_streams_and_use_everything() {
+  for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) close(stream);
+  use_everything();
+}
+
+TEST(Hostile, EnvironmentHoldsAnythingAndStreamsAreClosed) {
+  std::string bytes = "none/";
+  for (int c = 1; c < 256; ++c) bytes += static_cast<char>(c);
+  std::string const formats = "none/%s%n%99999d%", enormous(100'000, '9');
+  for (auto const& value : {std::string(), bytes, formats, enormous}) {
+    child_environment variables;
+    for (char const* name :
+         {"MIROX_GCL_DEBUG", "MIROX_GCL_DEBUG_FILE", "GCL_INDENT_STRING", "GCL_STATUS_IMSG_COPY",
+          "GCL_INDENT_HEADER_FORMAT", "GCL_INDENT_FOOTER_FORMAT", "IMSG_LOST_OUTPUT", "NLSPATH",
+          "GCL_ASSERT_DONT_LOG", "LC_ALL", "LANG", "TZ"}) {
+      variables.emplace_back(name, value.c_str());
+    }
+    for (auto* const body : {use_everything, close_streams_and_use_everything}) {
+      auto const child = run_in_child(body, variables);
+      EXPECT_TRUE(child.exit_code == 0 && child.signal == 0) << value.substr(0, 300);
+    }
+  }
+}
+
+TEST(Hostile, NamesAndIdentifiersAreAnyBytes) {
+  GCL_Status status;
+  for (std::string const& name :
+       {std::string("root\0", 5) + "x", std::string("no\nroot"), std::string(100'000, 'n'),
+        std::string("%s%n"), std::string("root:x:0"), std::string("\xFF\xFE")}) {
+    GCL_OSUser(status, GCL_String(name)).sid(status);
+    bool const is_root = std::string(name.c_str()) == "root";  // the services see a C string
+    EXPECT_EQ(status.value(), is_root ? 0 : GCL_Status::no_such_name);
+    EXPECT_EQ(status.error_message().find(name.c_str()) == GCL_String::npos, is_root);
+    EXPECT_EQ(GCL_OSGroup(status, GCL_String(name)).sid(status).bytes[0] != 0, is_root);
+  }
+  GCL_ImsgRedirect const redirect(status);
+  std::mt19937 random(1);
+  for (int i = 0; i < 10'000; ++i) {
+    credutl_sid_s sid;
+    for (unsigned char& byte : sid.bytes) byte = static_cast<unsigned char>(random());
+    EXPECT_EQ(GCL_OSUser(status, sid).user_name(), "");
+    EXPECT_EQ(status.value(), GCL_Status::general_failure);
+  }
+}
+
+TEST(Hostile, FolderIsGone) {
+  auto const before = std::filesystem::current_path();
+  std::filesystem::path const gone = mkdtemp((testing::TempDir() + "hostile_XXXXXX").data());
+  std::filesystem::current_path(gone);
+  std::filesystem::remove(gone);
+  EXPECT_EQ(GCL_Pathname("x").absolute(), "");
+  EXPECT_EQ(GCL_Pathname("/x/../y").absolute(), "/y");
+  std::filesystem::current_path(before);
+  GCL_Pathname path(GCL_String('p', 100'000));
+  EXPECT_EQ(path.absolute(), "");
+  EXPECT_EQ(path.append_path(path).length(), 200'001u);
+}
+
+GCL_Status s_held;
+
+TEST(Hostile, ProcessForksAndEndsWithinAGrab) {
+  auto const child = run_in_child([] {
+    s_held.grab_imsg_out();
+    pid_t const pid = fork();
+    imsg_print(6, "%s", -1, pid == 0 ? "child" : "parent");
+    int code = 0;
+    if (pid != 0) waitpid(pid, &code, 0);
+    std::cout << s_held.error_message() << code << ',' << std::flush;
+    GCL_Status inner;
+    GCL_ImsgRedirect const redirect(inner);
+    std::exit(0);
+  });
+  EXPECT_EQ(child.out, "child0,parent0,");
+  EXPECT_EQ(child.exit_code, 0);
+}
+
+}  // namespace
