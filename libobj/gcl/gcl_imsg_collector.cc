@@ -12,9 +12,9 @@ namespace {
 
 constexpr int list_chunk_size = 32;
 
-template <int severity>
+template <int Severity>
 void collect(void* collector, char* text) {
-  static_cast<GCL_ImsgCollector*>(collector)->add_message(GCL_String(text), severity);
+  static_cast<GCL_ImsgCollector*>(collector)->add_message(GCL_String(text), Severity);
 }
 
 void GCL_ImsgCollector_handle_info_msg(void* collector, char* text) { collect<0>(collector, text); }

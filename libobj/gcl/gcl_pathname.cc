@@ -35,7 +35,8 @@ bool ends_with(GCL_String const& s, char c) {
 char const* GCL_Pathname::separator() noexcept { return "/"; }
 
 GCL_Pathname& GCL_Pathname::append_path(GCL_Pathname const& other) {
-  GCL_Pathname const tail(other);  // which may be this pathname
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this pathname
+  GCL_Pathname const tail(other);
   bool const needs_separator = length() != 0 && !ends_with(*this, m_seperator_char);
   unsigned int const dropped = tail.is_absolute() ? 1 : 0;
   if (needs_separator) append(m_seperator_char);

@@ -136,7 +136,7 @@ unsigned int GCL_StringRep::hash() const {
   if (p == end) return h;
   unsigned int tail = 0;
   for (; p != end; ++p) {
-    int const sign_extended = static_cast<signed char>(*p);
+    int const sign_extended = static_cast<signed char>(*p);  // NOLINT(bugprone-signed-char-misuse)
     tail = (tail << 9) | static_cast<unsigned int>(sign_extended);
   }
   return mix(h, tail);

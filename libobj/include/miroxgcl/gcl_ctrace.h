@@ -59,13 +59,13 @@ class MIROXGCL_API GCL_Ctrace {
   GCL_Ctrace gcl_ctrace_scope((class_name), (function_name), (area), (level))
 
 // Writes a message of the block's trace when it is enabled: what could follow `std::cout <<`.
-#define GCL_CTRACE_OUT(message)                    \
-  do {                                             \
-    if (gcl_ctrace_scope.is_enabled()) {           \
-      std::ostringstream gcl_ctrace_message;       \
-      gcl_ctrace_message << message;               \
-      gcl_ctrace_scope.output(gcl_ctrace_message); \
-    }                                              \
+#define GCL_CTRACE_OUT(message)                                               \
+  do {                                                                        \
+    if (gcl_ctrace_scope.is_enabled()) {                                      \
+      std::ostringstream gcl_ctrace_message;                                  \
+      gcl_ctrace_message << message; /* NOLINT(bugprone-macro-parentheses) */ \
+      gcl_ctrace_scope.output(gcl_ctrace_message);                            \
+    }                                                                         \
   } while (false)
 
 #endif

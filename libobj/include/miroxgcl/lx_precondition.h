@@ -14,7 +14,7 @@
   } while (false)
 #else
 #define LX_REQUIRE(condition, kind, location, reason) \
-  static_cast<void>(sizeof(LX_XException((kind), (location), (reason))))
+  static_cast<void>(sizeof(LX_XException((kind), (location), (reason))))  // NOLINT: nothing thrown
 #endif
 
 #endif
