@@ -2,280 +2,161 @@
 // locked. What they hold and what storage they take is compared at random: see container_fuzz.cc.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
-#include <functional>
-#include <new>
+#include <any>
 #include <string>
-#include <type_traits>
 #include <utility>
-#include <vector>
 
-#include "miroxgcl/gcl_err_msg_stack.h"
-#include "miroxgcl/gcl_string_list.h"
-#include "miroxgcl/lx_dynamic.h"
+#include "miroxgcl/gcl.h"
+#include "support/failing_allocator.h"
 
 namespace {
 
-struct failure : std::bad_alloc {};
-
-int s_fuse = 0;  // counts down at each point that can fail; 1 fails there, 0 never
-
-void may_fail() {
-  if (s_fuse != 0 && --s_fuse == 0) throw failure();
-}
-
-// A storage policy that fails too, and remembers its last block, which it filled with garbage.
-struct failing {
-  static void* AllocateBlock(std::size_t n) {
-    may_fail();
-    if (n > 1000000) throw std::bad_alloc();
-    ++s_blocks;
-    s_size = n;
-    return s_last = static_cast<char*>(std::memset(::operator new(n), 0xAB, n));
-  }
-  static void ReleaseBlock(void* p, std::size_t) noexcept {
-    --s_blocks;
-    ::operator delete(p);
-  }
-  static inline int s_blocks = 0;
-  static inline char* s_last;
-  static inline std::size_t s_size;
-};
-
-// An element that can fail whenever it is made, copied or compared, and has no move and no !=.
-class item {
- public:
-  item(int v = 0) : value((may_fail(), v)) { ++s_alive; }                    // NOLINT
-  item(item const& other) : value((may_fail(), other.value)) { ++s_alive; }  // NOLINT
-  item& operator=(item const& other) {                                       // NOLINT
-    may_fail();
-    value = other.value;
-    return *this;
-  }
-  ~item() { --s_alive; }
-  bool operator==(item const& other) const { return (may_fail(), value == other.value); }
-
+// Takes memory whenever it is made, copied, assigned or compared; its move does not.
+struct movable {
+  movable(int v = 0) : value(v) {}  // NOLINT(google-explicit-constructor)
   int value;
-  static inline int s_alive = 0;
+  std::any memory = std::string();  // empty when moved from
+};
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
+bool operator==(movable a, movable b) { return a.value == b.value && a.memory.has_value(); }
 
- protected:
-  item(int v, std::true_type) noexcept : value(v) { ++s_alive; }
+// The same with a move that takes memory too.
+struct item : movable {
+  using movable::movable;
+  item(item const&) = default;
+  // NOLINTNEXTLINE(performance-*)
+  item(item&& other) : movable(other) { other.memory.reset(); }
+  item& operator=(item const&) = default;
 };
 
-// The same with a move, which never fails and takes the value away.
-struct movable : item {
-  movable(int v = 0) : item(v) {}  // NOLINT(google-explicit-constructor)
-  movable(movable const&) = default;
-  movable(movable&& other) noexcept : item(std::exchange(other.value, -1), std::true_type()) {}
-  movable& operator=(movable const&) = default;
-  movable& operator=(movable&& other) noexcept {
-    value = std::exchange(other.value, -1);
-    return *this;
-  }
-};
-
-template <class T>
-using array = LX_TDynamic<T, failing>;
-template <class T>
-using list = LX_TUnbounded<T, failing>;
-
-template <class C>
-auto content(C const& c) {
-  return std::vector<std::decay_t<decltype(c.ItemAt(0))>>(c.begin(), c.end());
-}
-
-// `c` with the numbers from 0 to n - 1, the first two put in backwards, so that they wrap.
+// `c` with the numbers from 0 to n - 1; for an odd n, the first two put in backwards, so that they
+// wrap.
 template <class C>
 C filled(C c, int n) {
-  for (int k = 2; k < n; ++k) c.Append(k);
-  c.Insert(1), c.Insert(0);
+  for (int k = n % 2 * 2; k < n; ++k) c.Append(k);
+  if (n % 2 != 0) c.Insert(1), c.Insert(0);
   return c;
 }
 
-struct Containers : testing::Test {
-  void TearDown() override {
-    EXPECT_TRUE(s_fuse == 0 && failing::s_blocks == 0 && item::s_alive == 0);
-  }
-};
-
 // The sizes wrap to something small in 32 bits, as slots or as bytes of them.
-TEST_F(Containers, ImpossibleSizesAreRefusedBeforeAnythingChanges) {
+TEST(Containers, ImpossibleSizesAreRefusedBeforeAnythingChanges) {
+  auto const before = filled(LX_TDynamic<long long>(4), 4);
   for (unsigned int chunk : {0xFFFFFFFFu, 0x80000000u, 0x7FFFFFFFu, 0x40000001u, 0x20000000u}) {
-    auto a = filled(array<double>(4), 4);
+    auto a = before;
     a.SetChunkSize(chunk);
-    EXPECT_THROW(a.Append(4), std::bad_alloc) << chunk;
-    EXPECT_THROW(a.Insert(4, 1), std::bad_alloc) << chunk;
     EXPECT_THROW(a.Preallocate(0x80000001u), std::bad_alloc) << chunk;
-    a.Remove(1);  // would want a larger array, and does without it
-    EXPECT_EQ(content(a), (std::vector<double>{0, 2, 3}));
+    failing_allocator const failing(1);
+    EXPECT_THROW(a.Append(4), std::bad_alloc) << chunk;
+    EXPECT_TRUE(failing.failed_size() == 0 || failing.failed_size() >= 0x7FFFFFFF) << chunk;
+    EXPECT_TRUE(a == before) << chunk;
   }
-  EXPECT_THROW(array<int>(0x60000000).Preallocate(0x60000001), std::bad_alloc);
-  EXPECT_THROW(GCL_StringList(-1).Append("x"), std::bad_alloc);
 }
 
-// All slots, what items left behind included and a dot for 0, with the first and last item's slot.
-std::string picture(array<char> const& a) {
-  std::string text(failing::s_last, failing::s_size);
-  std::replace(text.begin(), text.end(), '\0', '.');
-  return text + " " + std::to_string(&a.First() - failing::s_last) + "-" +
-         std::to_string(&a.Last() - failing::s_last);
-}
-
-// The items abcde in 8 slots: from the first slot, up to the last slot, or wrapped.
-array<char> abcde(char where) {
-  array<char> a(8);
-  for (char c : std::string(where == '<' ? "abcde" : where == '>' ? "zyxabcde" : "cde")) {
-    a.Append(c);
-  }
-  if (where == '>') a.Remove(0), a.Remove(0), a.Remove(0);
-  if (where == 'o') a.Insert('b'), a.Insert('a');
-  return a;
-}
-
-TEST_F(Containers, OnlyTheShorterSideMoves) {
-  struct {
-    char where, step;
-    unsigned int i;
-    char const* after;
-  } const cases[] = {
-      {'<', 'i', 2, "b!cde..a 7-4"}, {'<', 'i', 3, "abc!de.. 0-5"}, {'<', 'i', 5, "abcde!.. 0-5"},
-      {'<', 'a', 1, "b!cde..a 7-4"}, {'<', 'r', 2, "aabde... 1-4"}, {'<', 'r', 3, "abcee... 0-3"},
-      {'>', 'i', 0, "zy!abcde 2-7"}, {'>', 'i', 3, "eyxabc!d 3-0"}, {'>', 'a', 4, "!yxabcde 3-0"},
-      {'>', 'r', 2, "zyxaabde 4-7"}, {'o', 'i', 1, "cde..a!b 5-2"}, {'o', 'i', 2, "!cde..ab 6-3"},
-      {'o', 'i', 3, "c!de..ab 6-3"}, {'o', 'r', 1, "cde...aa 7-2"}, {'o', 'r', 2, "dee...ab 6-1"},
+// The items abcde in 8 slots, from slot 0, 3 or 6 on, inserted, appended or removed at an index, and
+// all slots after that, with what items left behind.
+TEST(Containers, OnlyTheShorterSideMoves) {
+  std::pair<char const*, char const*> const cases[] = {
+      {"0i2", "b!cdexya"}, {"0i3", "abc!deyz"}, {"0i5", "abcde!yz"}, {"0a1", "b!cdexya"},
+      {"0r2", "aabdexyz"}, {"0r3", "abceexyz"}, {"3i0", "xy!abcde"}, {"3i3", "eyzabc!d"},
+      {"3a4", "!yzabcde"}, {"3r2", "xyzaabde"}, {"6i1", "cdexya!b"}, {"6i2", "!cdeyzab"},
+      {"6a1", "cdexyab!"}, {"6r1", "cdexyzaa"}, {"6r2", "deexyzab"}, {"0a2", "abc!deyz"},
   };
-  for (auto const& c : cases) {
-    array<char> a = abcde(c.where);
-    if (c.step == 'i') a.Insert('!', c.i);
-    if (c.step == 'a') a.Append('!', c.i);
-    if (c.step == 'r') a.Remove(c.i);
-    EXPECT_EQ(picture(a), c.after) << c.where << c.step << c.i;
+  for (auto const& [step, after] : cases) {
+    LX_TDynamic<char> a(8);
+    for (char c : std::string("mnopqrstuvwxyzabcde").substr(static_cast<unsigned>('6' - step[0]))) {
+      a.Append(c);
+      if (a.Length() > 5) a.Remove(0);
+    }
+    char const* const slots = &a.First() - (step[0] - '0');
+    auto const i = static_cast<unsigned int>(step[2] - '0');
+    step[1] == 'i' ? a.Insert('!', i) : step[1] == 'a' ? a.Append('!', i) : a.Remove(i);
+    EXPECT_EQ(std::string(slots, 8), after) << step;
   }
 }
 
-// Fails `run` at each of its points in turn, on containers with room and on a full one, which then
-// hold what they held, if they `keep` their value, else as many items; and work on.
+// Containers with room and a full one, on which each step fails wherever it can. They work on, and
+// those that do not keep their value keep their length or are empty.
 template <class C>
-void check_failures(C const& empty, bool keep, std::function<void(C&)> const& run) {
-  for (int n : {3, 4, 7}) {
-    bool failed = true;
-    for (int point = 1; failed; ++point) {
-      C c = filled(empty, n);
-      auto expected = content(c);
-      failed = false;
-      s_fuse = point;
-      try {
-        run(c);
-      } catch (failure const&) {
-        failed = true;
-      }
-      s_fuse = 0;
-      ASSERT_TRUE(failed || point > 1);
-      if (!failed) continue;
-      if (!keep) expected = content(c);
-      ASSERT_TRUE(content(c) == expected && c.Length() == static_cast<unsigned int>(n)) << point;
-      for (int k = 0; k < 6; ++k) c.Append(9), expected.emplace_back(9);
-      ASSERT_TRUE(content(c) == expected) << point;
+void check_failures(C const& empty, bool keeps_inside, bool keeps_assigned) {
+  C const other = filled(empty, 5);
+  std::pair<bool, void (*)(C&, C const&)> const steps[] = {
+      {true, [](C& c, C const& d) { c.Insert(d.Last()); }},
+      {true, [](C& c, C const&) { c.Append(c.First()); }},
+      {true, [](C& c, C const&) { c = C(c); }},
+      {keeps_inside, [](C& c, C const& d) { c.Insert(d.Last(), 1); }},
+      {keeps_assigned, [](C& c, C const& d) { c = d; }},
+  };
+  for (auto const& step : steps) {
+    for (int n : {3, 4, 6}) {
+      auto const prepare = [&] { return filled(empty, n); };
+      auto const check = [&](C& c, bool failed) {
+        C expected = prepare();
+        if (!step.first && (c.Length() == expected.Length() || c.Length() == 0)) expected = c;
+        for (int k = 0; k < 6; ++k) c.Append(k), expected.Append(k);
+        EXPECT_TRUE(!failed || c == expected) << n;
+      };
+      fail_each_allocation(
+          prepare, [&](C& c) { step.second(c, other); }, check);
     }
   }
 }
 
-template <class C>
-void check_all_failures(C const& empty, bool keeps_inside) {
-  check_failures<C>(empty, true, [](C& c) { c.Insert(9); });
-  check_failures<C>(empty, true, [](C& c) { c.Append(c.First()); });
-  check_failures<C>(empty, true, [](C& c) { c.Replace(1, 9); });
-  check_failures<C>(empty, true, [](C& c) { EXPECT_EQ(C(c), c); });
-  check_failures<C>(empty, keeps_inside, [](C& c) { c.Insert(9, 1); });
-  check_failures<C>(empty, keeps_inside, [](C& c) { c.Append(9, 2); });
+TEST(Containers, FailuresLeaveAWorkingContainer) {
+  check_failures(LX_TDynamic<item>(4), false, false);
+  check_failures(LX_TDynamic<movable>(4), true, false);
+  check_failures(LX_TUnbounded<item>(), true, true);
+  auto const list = [](int) { LX_TUnbounded<item>{1, 2}; };
+  std::size_t const held = failing_allocator::live_blocks();
+  EXPECT_GT(fail_each_allocation([] { return 0; }, list, [](int, bool) {}), 4);
+  EXPECT_EQ(failing_allocator::live_blocks(), held);
+  auto a = filled(LX_TDynamic<long long>(4), 5);
+  failing_allocator const failing(1);
+  a.Remove(4);  // does without it
+  EXPECT_TRUE(failing.failed_size() != 0 && a.Length() == 4 && a.Last() == 3);
 }
 
-TEST_F(Containers, FailuresLeaveAWorkingContainer) {
-  check_all_failures(array<item>(4), false);
-  check_all_failures(array<movable>(4), true);
-  check_all_failures(list<item>(), true);
-  check_failures<list<item>>({}, true, [](auto& l) { l = filled(list<item>(), 5); });
-}
+void const* s_lockable;
+int s_calls;  // 1 for each Lock() and 10 for each Unlock() of that object, 1000 for another's
 
-TEST_F(Containers, InterruptedAssignmentsLeaveTheArrayEmptyAndRemovalsNeedNoMemory) {
-  auto const other = filled(array<item>(4), 6), before = filled(array<item>(4), 4);
-  bool done = false;
-  for (int point = 1; !done; ++point) {
-    array<item> a(before);
-    s_fuse = point;
-    try {
-      a = other;
-      done = true;
-    } catch (failure const&) {
-    }
-    s_fuse = 0;
-    EXPECT_TRUE(done ? a == other : a.Length() == 0 || a == before) << point;
-    a = other;
-    s_fuse = point;
-    for (int k = 0; k < 2; ++k) a.Remove(a.Length() - 1);
-    s_fuse = 0;
-    EXPECT_TRUE(a == before) << point;
-  }
-}
-
-std::vector<void const*> s_locked, s_unlocked;
-
-struct locked_collection : LX_TDynamicCollection<item, failing> {
-  using LX_TDynamicCollection::operator=;
-  void Lock() const override { s_locked.push_back(this); }
-  void Unlock() const override { s_unlocked.push_back(this); }
+struct locked_collection : LX_TDynamicCollection<item> {
+  void Lock() const override { s_calls += this == s_lockable ? 1 : 1000; }
+  void Unlock() const override { s_calls += this == s_lockable ? 10 : 1000; }
 };
 
-struct locked_stack : LX_TUnboundedStack<item, failing> {
-  using LX_TUnboundedStack::operator=;
-  void Lock() override { s_locked.push_back(this); }
-  void Unlock() override { s_unlocked.push_back(this); }
+struct locked_stack : LX_TUnboundedStack<item> {
+  void Lock() override { s_calls += this == s_lockable ? 1 : 1000; }
+  void Unlock() override { s_calls += this == s_lockable ? 10 : 1000; }
 };
 
-// What `run` locks, all of which it must unlock again.
-using locks = std::vector<void const*>;
-locks locked_by(std::function<void()> const& run) {
-  s_locked.clear(), s_unlocked.clear();
-  run();
-  EXPECT_EQ(s_locked, s_unlocked);
-  return s_locked;
-}
-
-// A collection locks itself, a stack the other; `Locked` tells which of two objects is locked.
-template <class Any, class Class>
-void check_locks(Class& a, Class& b, void const* locked) {
-  Any& any_a = a;
-  Any const& any_b = b;
-  for (int k : {1, 2, 3}) b.Add(k);
-  EXPECT_EQ(locked_by([&] { any_a = any_b; }), locks{locked});
-  EXPECT_EQ(locked_by([&] { EXPECT_TRUE(any_a == any_b); }), locks{locked});
+// Only `lockable` is locked: once, and not for long when something throws.
+template <class Container>
+void check_locks(Container& a, Container& b, void const* lockable) {
+  s_lockable = lockable;
+  for (int k : {1, 2, 3}) a.Add(k % 3), b.Add(k);
+  EXPECT_TRUE(a != b);
+  auto const operation = [&](int) { EXPECT_TRUE((a = b) == b); };
+  auto const check = [&](int, bool) { EXPECT_EQ(s_calls, a.IsEmpty() ? 11 : 22); };
+  fail_each_allocation([] { return s_calls = 0; }, operation, check);
   a.Add(4);
-  EXPECT_EQ(locked_by([&] { EXPECT_TRUE(any_a != any_b); }), locks{locked});
-  EXPECT_EQ(locked_by([&] { EXPECT_TRUE((any_a = any_a) == any_a); }), locks{});
-  EXPECT_EQ(locked_by([&] { EXPECT_TRUE((a = b) == b && a.ItemAt(2).value == 3); }), locks{});
-  s_fuse = 2;
-  EXPECT_EQ(locked_by([&] { EXPECT_THROW(any_a.operator==(any_b), failure); }), locks{locked});
-  s_fuse = 6;
-  EXPECT_EQ(locked_by([&] { EXPECT_THROW(any_a = any_b, failure); }), locks{locked});
-  EXPECT_TRUE(a.IsEmpty() && b.Cardinality() == 3);
+  EXPECT_TRUE(a != b);
+  s_calls = 0;
+  EXPECT_TRUE((a = a) == a && a.Cardinality() == 4 && s_calls == 0);
 }
 
-TEST_F(Containers, AssignmentsAndComparisonsAreLocked) {
+TEST(Containers, CollectionsLockThemselvesAndStacksTheOther) {
   locked_collection a, b;
   check_locks<LX_TCollection<item>>(a, b, &a);
   locked_stack c, d;
   check_locks<LX_TStack<item>>(c, d, &d);
+  EXPECT_TRUE((a = b) == b && (c = d) == d && s_calls == 0);  // of one class
 }
 
 template <class Iterator, class C>
 void check_iterator(C c) {
   Iterator i(c);
-  c.Add("a");
+  c.Add("a"), c.Add("b");
   EXPECT_TRUE(i.IsDone() && i.CurrentItem() == nullptr);  // it was empty at the start
-  EXPECT_EQ(i.Next(), 1);
-  c.Add("b");
-  EXPECT_EQ(i.Next(), 1);
+  EXPECT_TRUE(i.Next() == 1 && i.Next() == 1);
   *i.CurrentItem() = "c";
   EXPECT_EQ(c.ItemAt(1), "c");
   for (int k = 0; k < 2; ++k) EXPECT_TRUE(i.Next() == 0 && i.CurrentItem() == nullptr);
@@ -284,13 +165,13 @@ void check_iterator(C c) {
   EXPECT_EQ(i.IsDone(), 1);
 }
 
-TEST_F(Containers, IteratorsAskAnewAtEveryCall) {
+TEST(Containers, IteratorsAskAnewAtEveryCall) {
   check_iterator<LX_TCollectionActiveIterator<GCL_String>>(LX_TDynamicCollection<GCL_String>(4));
   check_iterator<LX_TStackActiveIterator<GCL_String>>(GCL_ErrMsgStack());
   check_iterator<DRL_ListBaseActiveIterator<GCL_String>>(GCL_StringList(4));
 }
 
-TEST_F(Containers, StringListsAreValuesAndSlotsLeftBehindKeepTheirStrings) {
+TEST(Containers, StringListsAreValuesAndSlotsLeftBehindKeepTheirStrings) {
   GCL_String const x("x");
   GCL_StringList a(4), b(32);
   a.Append(x);
@@ -298,57 +179,42 @@ TEST_F(Containers, StringListsAreValuesAndSlotsLeftBehindKeepTheirStrings) {
   EXPECT_TRUE(a == b && b.ChunkSize() == 4 && x.body()->reference_count() == 3);
   b.SetChunkSize(0xFFFFFFFF);  // no copy of it can be had
   EXPECT_THROW(a = b, std::bad_alloc);
-  EXPECT_EQ(a.Location(x), 0);
   GCL_StringList moved(std::move(a));
   EXPECT_TRUE(a.IsEmpty() && moved.Length() == 1);  // NOLINT(bugprone-use-after-move)
   moved.Append(x), moved.Remove(1);
   EXPECT_EQ(x.body()->reference_count(), 4u);
-  moved.Insert("y");  // into the slot left behind
-  EXPECT_EQ(x.body()->reference_count(), 3u);
 }
 
-TEST_F(Containers, LongListsAreWalkedInLinearTime) {
+TEST(Containers, LongListsAreWalkedInLinearTime) {
   LX_TUnbounded<unsigned int> l;
-  unsigned int const n = 1000000;
-  for (unsigned int i = 0; i < n; ++i) l.Append(i);
-  for (unsigned int i = n; i > 0; --i) ASSERT_EQ(l[i - 1], i - 1);
+  for (unsigned int i = 0; i < 1000000; ++i) l.Append(i);
+  for (unsigned int i = 1000000; i > 0; --i) ASSERT_EQ(l[i - 1], i - 1);
 }
 
 #ifdef MIROXGCL_CHECK_PRECONDITIONS
 
-void expect_violation(std::string const& kind, std::string const& location, char const* reason,
-                      std::function<void()> const& run) {
-  try {
-    run();
-    ADD_FAILURE() << location;
-  } catch (LX_XException const& e) {
-    EXPECT_TRUE(e.kind() == kind && e.location() == location && e.what() == reason) << location;
-  }
-}
-
-TEST_F(Containers, ViolationsAreDescribed) {
-  array<int> a(4);
-  list<int> l{0};
-  LX_TUnboundedStack<int> s;
-  a.Append(0);
-  auto const range = [](std::string const& location, std::function<void()> const& run) {
-    expect_violation("Range_Error", location, LX_kInvalidIndex, run);
+TEST(Containers, ViolationsAreDescribed) {
+  LX_TDynamicCollection<int> a{0}, none;
+  LX_TUnbounded<int> l{0}, empty;
+  auto const expect = [](char const* description, char const* reason, auto run) {
+    try {
+      run();
+      ADD_FAILURE() << description;
+    } catch (LX_XException const& e) {
+      EXPECT_EQ(std::string(e.kind()) + ' ' + e.location(), description);
+      EXPECT_STREQ(e.what(), reason);
+    }
   };
-  range("LX_TDynamic::Insert", [&] { a.Insert(1, 2); });
-  range("LX_TDynamic::Append", [&] { a.Append(1, 1); });
-  range("LX_TDynamic::Remove", [&] { a.Remove(1); });
-  range("LX_TDynamic::Replace", [&] { a.Replace(1, 1); });
-  range("LX_TDynamic::Location", [&] { a.Location(1, 2); });
-  range("LX_TDynamic<>::operator[]", [&] { a[1] = 1; });
-  range("LX_TUnbounded::Insert", [&] { l.Insert(1, 1); });
-  range("LX_TUnbounded::Append", [&] { l.Append(1, 2); });
-  range("LX_TUnbounded<>::operator[]", [&] { std::as_const(l)[1]; });
-  auto const& expect = expect_violation;
-  expect("Not_Null", "LX_TDynamic<>::SetChunkSize", LX_kNotEmpty, [&] { a.SetChunkSize(0); });
-  expect("Underflow", "LX_TUnbounded::Remove", LX_kEmpty, [&] { s.Pop(); });
-  expect("Underflow", "LX_TUnbounded<>::First()", LX_kEmpty, [&] { s.Top() = 1; });
-  a.Remove(0);
-  expect("Underflow", "LX_TDynamic::Remove", LX_kEmpty, [&] { a.Remove(0); });
+  expect("Range_Error LX_TDynamic::Insert", LX_kInvalidIndex, [&] { a.Insert(1, 2); });
+  expect("Range_Error LX_TDynamic::Append", LX_kInvalidIndex, [&] { a.Append(1, 1); });
+  expect("Range_Error LX_TDynamic::Remove", LX_kInvalidIndex, [&] { a.Remove(1); });
+  expect("Range_Error LX_TDynamic<>::operator[]", LX_kInvalidIndex, [&] { a[1] = 1; });
+  expect("Range_Error LX_TUnbounded::Insert", LX_kInvalidIndex, [&] { l.Insert(1, 1); });
+  expect("Range_Error LX_TUnbounded::Append", LX_kInvalidIndex, [&] { l.Append(1, 2); });
+  expect("Range_Error LX_TUnbounded<>::operator[]", LX_kInvalidIndex, [&] { l[1] = 1; });
+  expect("Not_Null LX_TDynamic<>::SetChunkSize", LX_kNotEmpty, [&] { a.SetChunkSize(0); });
+  expect("Underflow LX_TUnbounded<>::First()", LX_kEmpty, [&] { empty.First() = 1; });
+  expect("Underflow LX_TDynamic::Remove", LX_kEmpty, [&] { none.Remove(0); });
 }
 
 #endif

@@ -37,10 +37,12 @@ GCL_Credentials GCL_Credentials::translate(GCL_Status& status,
   result.m_primary_group = std::make_unique<GCL_OSGroup>(status, record.primary_group);
   if (!status.is_ok()) return {};
   GCL_OSGroupList& groups = present(result.m_secondary_groups, chunk_size);
+  unsigned int room = chunk_size;
   credutl_sid_s const* const sids = secondary_sids(record);
   for (int i = 0; i < record.group_count; ++i) {
     GCL_OSGroup const group(status, sids[i]);
     if (!status.is_ok()) return {};
+    if (groups.Length() == room) groups.Preallocate(room *= 2);  // growth by chunks is quadratic
     groups.Insert(group);
   }
   return result;

@@ -32,10 +32,12 @@ inline GCL_String trim(GCL_String const& s, std::string_view blanks = " \t\n\v\f
 // such places. An empty separator stands nowhere.
 inline GCL_StringList split(GCL_String const& s, std::string_view separator) {
   GCL_StringList pieces(32);
+  unsigned int room = 32;
   std::string_view rest = s;
   while (!separator.empty()) {
     std::size_t const at = rest.find(separator);
     if (at == std::string_view::npos) break;
+    if (pieces.Length() == room) pieces.Preallocate(room *= 2);  // growth by chunks is quadratic
     pieces.Append(GCL_String(rest.substr(0, at)));
     rest.remove_prefix(at + separator.size());
   }

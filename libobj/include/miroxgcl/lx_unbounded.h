@@ -49,7 +49,7 @@ template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TUnbounded {
  public:
   LX_TUnbounded() noexcept = default;
-  LX_TUnbounded(std::initializer_list<T> items) {
+  LX_TUnbounded(std::initializer_list<T> items) : LX_TUnbounded() {
     for (T const& item : items) Append(item);
   }
   LX_TUnbounded(LX_TUnbounded const& other) : LX_TUnbounded() { *this = other; }
