@@ -84,10 +84,12 @@ TEST(Standard, ListsAreArraysForTheAlgorithms) {
   EXPECT_TRUE(std::equal(ours.begin(), ours.end(), theirs.begin(), theirs.end()));
   EXPECT_EQ(ours.Location(4), std::find(theirs.begin(), theirs.end(), 4) - theirs.begin());
   EXPECT_EQ(ours.First() + ours.Last(), theirs.front() + theirs.back());
-  GCL_StringList words{"b", "a"};
+  GCL_StringList words;
+  words = {"b", "a"};
   std::reverse(words.begin(), words.end());
   for (GCL_String& word : words) word += '!';
   expect_same(join(words, ","), "a!,b!");
+
   LX_TUnbounded<int> list{1, 2, 3};
   for (int& item : list) item *= 2;
   EXPECT_EQ(std::accumulate(list.begin(), list.end(), 0), 12);

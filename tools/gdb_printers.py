@@ -13,6 +13,7 @@ import gdb.printing
 import gdb.types
 
 INVALID = '<invalid>'
+UNKNOWN = '<libmiroxgcl has no debug information>'
 FAULTS = (gdb.error, RuntimeError, ValueError, OverflowError, LookupError)
 
 ESCAPES = {ord('"'): '\\"', ord('\\'): '\\\\', ord('\n'): '\\n', ord('\r'): '\\r', ord('\t'): '\\t'}
@@ -20,6 +21,15 @@ SEVERITIES = {0: 'information', 4: 'warning', 6: 'error'}
 EPOCH = datetime.datetime(1970, 1, 1, tzinfo=datetime.timezone.utc)
 SECONDS_A_DAY = 86400
 NO_DURATION = 4294967295
+
+
+def unreadable():
+    """What stands for a value that cannot be read: without the library's types none can."""
+    try:
+        known = gdb.lookup_type('GCL_StringRep').fields()
+    except FAULTS:
+        known = ()
+    return INVALID if known else UNKNOWN
 
 
 class Printer:
@@ -31,7 +41,7 @@ class Printer:
         try:
             self.text, self.items = read(value)
         except FAULTS:
-            self.text, self.items = INVALID, ()
+            self.text, self.items = unreadable(), ()
 
     def to_string(self):
         return self.text
@@ -43,7 +53,7 @@ class Printer:
                     item.fetch_lazy()
                 yield name, item
         except FAULTS:
-            yield 'rest', INVALID
+            yield 'rest', unreadable()
 
     def display_hint(self):
         return self.hint

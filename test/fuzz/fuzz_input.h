@@ -25,9 +25,9 @@
 
 class fuzz_input {
  public:
-  fuzz_input(std::uint8_t const* data, std::size_t size) : m_next(data), m_left(size) {}
+  fuzz_input(std::uint8_t const* data, std::size_t size) : m_next(data), m_end(data + size) {}
 
-  bool empty() const { return m_left == 0; }
+  bool empty() const { return m_next == m_end; }
 
   // 0 to `last`; 0 when the bytes are used up.
   unsigned int number(unsigned int last) {
@@ -38,9 +38,8 @@ class fuzz_input {
 
   // Any bytes, at most `longest`; few when few are left.
   std::string text(unsigned int longest) {
-    std::string result(number(longest), '\0');
-    if (result.size() > m_left) result.resize(m_left);
-    for (char& c : result) c = static_cast<char>(byte());
+    std::string result;
+    for (auto n = number(longest); n != 0 && !empty(); --n) result += static_cast<char>(byte());
     return result;
   }
 
@@ -52,20 +51,15 @@ class fuzz_input {
   }
 
  private:
-  std::uint8_t byte() {
-    if (m_left == 0) return 0;
-    --m_left;
-    return *m_next++;
-  }
+  std::uint8_t byte() { return empty() ? std::uint8_t{0} : *m_next++; }
 
   std::uint8_t const* m_next;
-  std::size_t m_left;
+  std::uint8_t const* m_end;
 };
 
 void fuzz_one_input(fuzz_input& input);
 
-#define FUZZ_CHECK(condition) \
-  ((condition) ? void() : fuzz_failed(#condition, __FILE__, __LINE__))
+#define FUZZ_CHECK(condition) ((condition) ? void() : fuzz_failed(#condition, __FILE__, __LINE__))
 
 [[noreturn]] inline void fuzz_failed(char const* condition, char const* file, int line) {
   std::fprintf(stderr, "%s:%d: not true: %s\n", file, line, condition);

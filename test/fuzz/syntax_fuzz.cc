@@ -1,15 +1,12 @@
 // The library's small languages: debug levels, indentation formats, style sequences, pathnames and
 // dates, each against a model of its own.
 #include <algorithm>
+#include <array>
 #include <climits>
-#include <cstring>
 #include <iostream>
 
 #include "fuzz/fuzz_input.h"
-#include "miroxgcl/gcl_datetime.h"
-#include "miroxgcl/gcl_debug.h"
-#include "miroxgcl/gcl_indent.h"
-#include "miroxgcl/gcl_pathname.h"
+#include "miroxgcl/gcl.h"
 
 namespace {
 
@@ -57,17 +54,11 @@ void check_format(fuzz_input& input) {
   FUZZ_CHECK(header == filled);
 }
 
-std::string stripped(std::string const& text) {
-  std::string result = text;
-  imsg_strip_style_chars(result.data(), text.c_str());
-  return result.c_str();
-}
-
 void check_styles(fuzz_input& input) {
-  std::string const plain = stripped(input.text(20, "\x1B\x1B[]PX^_\a\\01;m( \xC3\n"));
+  GCL_String plain(input.text(20, "\x1B\x1B[]PX^_\a\\01;m( \xC3\n"));
   std::string const sequence = "\x1B[" + input.text(5, "01;?") + "m";
-  FUZZ_CHECK(plain.find('\x1B') == std::string::npos);
-  FUZZ_CHECK(stripped(plain + sequence + plain) == plain + plain);
+  FUZZ_CHECK(plain.remove_formatting().find("\x1B") == plain.npos);
+  FUZZ_CHECK((plain + sequence.c_str() + plain).remove_formatting() == plain + plain);
 }
 
 void check_paths(fuzz_input& input) {
@@ -87,7 +78,6 @@ std::string whole(GCL_String const& text) {
 
 void check_dates(fuzz_input& input) {
   std::string text = whole(("@" + std::to_string(input.number(INT_MAX))).c_str());
-  FUZZ_CHECK(whole(text.c_str()) == text);
   auto const changed = std::min<std::size_t>(input.number(40), text.size());
   text.replace(changed, 1, input.text(2, "0123456789, S:"));
   std::string const again = whole(text.c_str());
@@ -97,7 +87,6 @@ void check_dates(fuzz_input& input) {
 }  // namespace
 
 void fuzz_one_input(fuzz_input& input) {
-  constexpr void (*checks[])(fuzz_input&) = {check_levels, check_format, check_styles, check_paths,
-                                             check_dates};
-  for (std::size_t i = 0; !input.empty(); ++i) checks[i % std::size(checks)](input);
+  std::array const checks{check_levels, check_format, check_styles, check_paths, check_dates};
+  for (std::size_t i = 0; !input.empty(); ++i) checks[i % checks.size()](input);
 }

@@ -22,7 +22,8 @@ class MIROXGCL_API GCL_IntegerList : public LX_TDynamicCollection<int, LX_CUnman
  public:
   using Base = LX_TDynamicCollection<int, LX_CUnmanaged>;
 
-  // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
+  // An empty list that grows by `chunk_size` items; 0, the default, means 32.
+  GCL_IntegerList() = default;
   explicit GCL_IntegerList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
   GCL_IntegerList(std::initializer_list<int> items) : Base(items) {}
   GCL_IntegerList(GCL_IntegerList const& other) = default;

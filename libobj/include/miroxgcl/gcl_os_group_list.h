@@ -17,7 +17,8 @@ class MIROXGCL_API GCL_OSGroupList : public LX_TDynamicCollection<GCL_OSGroup, L
  public:
   using Base = LX_TDynamicCollection<GCL_OSGroup, LX_CUnmanaged>;
 
-  // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
+  // An empty list that grows by `chunk_size` items; 0, the default, means 32.
+  GCL_OSGroupList() = default;
   explicit GCL_OSGroupList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
   GCL_OSGroupList(std::initializer_list<GCL_OSGroup> items) : Base(items) {}
   GCL_OSGroupList(GCL_OSGroupList const& other) = default;

@@ -17,7 +17,8 @@ class MIROXGCL_API GCL_OSUserList : public LX_TDynamicCollection<GCL_OSUser, LX_
  public:
   using Base = LX_TDynamicCollection<GCL_OSUser, LX_CUnmanaged>;
 
-  // An empty list that grows by `chunk_size` items; 0 grows as if by 32.
+  // An empty list that grows by `chunk_size` items; 0, the default, means 32.
+  GCL_OSUserList() = default;
   explicit GCL_OSUserList(int chunk_size) : Base(static_cast<unsigned int>(chunk_size)) {}
   GCL_OSUserList(std::initializer_list<GCL_OSUser> items) : Base(items) {}
   GCL_OSUserList(GCL_OSUserList const& other) = default;

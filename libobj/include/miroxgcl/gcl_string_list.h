@@ -13,7 +13,8 @@ extern template class DRL_ListBaseActiveIterator<GCL_String>;
 // All operations are DRL_ListBase's.
 class MIROXGCL_API GCL_StringList : public DRL_ListBase<GCL_String> {
  public:
-  // An empty list that grows by `chunk_size` strings. The library's own lists use 32 and 4.
+  // An empty list that grows by `chunk_size` strings; 0, the default, means 32.
+  GCL_StringList() = default;
   explicit GCL_StringList(int chunk_size) : DRL_ListBase<GCL_String>(chunk_size) {}
   GCL_StringList(std::initializer_list<GCL_String> items) : DRL_ListBase<GCL_String>(items) {}
 
