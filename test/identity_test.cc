@@ -9,25 +9,16 @@
 
 namespace {
 
-std::string s_calls;  // of the services, with what went in; of an identifier the last byte
-int s_code = 0;       // their answer
+std::ostringstream s_calls;  // of the services, with what went in; of an identifier the last byte
+int s_code = 0;              // their answer
 bool s_is_group_gone = false;
 
 // Every call says something, whatever its answer.
 template <class... Arguments>
 int answer(Arguments... arguments) {
-  std::ostringstream call;
-  ((call << arguments << ' '), ...);
-  s_calls += call.str() + '\n';
+  ((s_calls << arguments << ' '), ...);
   imsg_print(6, "said\n", -1);
   return s_code;
-}
-
-// The services' one buffer: what an earlier answer said is gone with the next.
-char const* text(char const* name, int code) {
-  static char buffer[16];
-  std::memset(buffer, '#', sizeof buffer - 1);
-  return code == 0 ? std::strcpy(buffer, name) : nullptr;
 }
 
 int sid(char c, credutl_sid_s* sid, int code) {
@@ -44,17 +35,16 @@ char last(credutl_sid_s const* sid) { return static_cast<char>(sid->bytes[33]); 
 
 }  // namespace
 
-char const* sysutl_myloginname() { return text("ann", answer("login")); }
-char const* sysutl_mygroupname() { return text("staff", answer("group")); }
+char const* sysutl_myloginname() { return answer("login") == 0 ? "ann" : nullptr; }
+char const* sysutl_mygroupname() { return answer("group") == 0 ? "staff" : nullptr; }
 char const* sysutl_usid_to_user(credutl_sid_s const* sid, int a, int b) {
-  return text("bob", answer("usid_to_user", last(sid), a, b));
+  return answer("usid_to_user", last(sid), a, b) == 0 ? "bob" : nullptr;
 }
 char const* sysutl_gsid_to_group(credutl_sid_s const* sid, int a, int b) {
-  int const code = answer("gsid_to_group", last(sid), a, b);
-  return text("wheel", s_is_group_gone ? 1 : code);
+  return answer("gsid_to_group", last(sid), a, b) == 0 && !s_is_group_gone ? "wheel" : nullptr;
 }
 char const* sysutl_user_to_fullname(char const* user) {
-  return text("Ann B.", answer("user_to_fullname", user));
+  return answer("user_to_fullname", user) == 0 ? "Ann B." : nullptr;
 }
 int sysutl_user_to_usid(char const* user, int a, credutl_sid_s* result) {
   return sid('u', result, answer("user_to_usid", user, a));
@@ -92,7 +82,7 @@ TEST(Identity, AnswersAndFailuresOfTheServicesArePassedOn) {
   auto const staff = check("0 ", [](auto& s) { return GCL_OSGroup(s, "staff"); });
   for (int code : {0, 1, 2, 3, -2}) {
     s_code = code;
-    s_calls.clear();
+    s_calls.str("");
     display.set_ok();
     bool const ok = code == 0;
     std::string const number = ok ? "0 " : code == 2 ? "1002 " : "1001 ";
@@ -116,11 +106,11 @@ TEST(Identity, AnswersAndFailuresOfTheServicesArePassedOn) {
               ok ? GCL_String('/', 1023) : GCL_String());
     EXPECT_EQ(ann.full_name(), ok ? "Ann B." : "ann");
     EXPECT_EQ(display.error_message(), "said\nsaid\nsaid\nsaid\nsaid\nsaid\n");
-    EXPECT_EQ(s_calls, std::string("user_to_usid ann 0 \ngroup_to_gsid staff 0 \n"
-                                   "user_to_gsid ann 0 \n") +
-                           (ok ? "gsid_to_group p 1 0 \n" : "") +
-                           "login \ngroup \nusid_to_user 1 1 0 \ngsid_to_group 2 1 0 \n"
-                           "homedir ann 1024 \nuser_to_fullname ann \n");
+    EXPECT_EQ(s_calls.str(),
+              std::string("user_to_usid ann 0 group_to_gsid staff 0 user_to_gsid ann 0 ") +
+                  (ok ? "gsid_to_group p 1 0 " : "") +
+                  "login group usid_to_user 1 1 0 gsid_to_group 2 1 0 "
+                  "homedir ann 1024 user_to_fullname ann ");
   }
   s_code = 0;
   s_is_group_gone = true;

