@@ -10,11 +10,7 @@
 #include <locale>
 #include <sstream>
 
-#include "miroxgcl/gcl_assert.h"
-#include "miroxgcl/gcl_ctrace.h"
-#include "miroxgcl/gcl_indent.h"
-#include "miroxgcl/gcl_msg_tables.h"
-#include "miroxgcl/gcl_status_base.h"
+#include "miroxgcl/gcl.h"
 #include "support/child.h"
 #include "support/failing_allocator.h"
 
