@@ -39,8 +39,7 @@ class MIROXGCL_API GCL_Debug {
   };
 
   // How fine a trace is. A trace is enabled when its area's level is at least its own: a bare area
-  // number in the specification enables `coarse` and nothing finer; `always` cannot be switched
-  // off.
+  // number in the variable enables `coarse` and nothing finer; `always` cannot be switched off.
   enum Level : int { always = 0, coarse = 1, fine = 2, finest = 3 };
 
   // Reads the two variables, then applies `levels` on top; null for none.
