@@ -35,6 +35,7 @@ TEST(Time, ParsingReportsAndKeepsWhatTheServiceWrote) {
   EXPECT_EQ(GCL_DateTime(status, "text", GCL_DateTime::past).time(), 40);
   EXPECT_TRUE(status == 1001 && status.error_message() == "old");
   EXPECT_EQ(GCL_DateTime(status, "text", GCL_DateTime::TimeFrame{5}).time(), 41);
+  EXPECT_EQ(GCL_DateTime(status, "text", GCL_DateTime::future).time(), 41);
   EXPECT_TRUE(status.is_ok() && status.get_message_stack() == nullptr);
 }
 
