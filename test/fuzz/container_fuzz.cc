@@ -106,7 +106,10 @@ void lists(fuzz_input& input) {
     int const expected = hit ? l.touched : first;
     FUZZ_CHECK(l.real.Location(x, start) == expected);
     if (expected >= 0) l.touched = expected;
-    FUZZ_CHECK(LX_TUnbounded(l.real) == l.real && (n == 0 || l.real.Last() == l.model.back()));
+    auto other = l.real;
+    FUZZ_CHECK(other == l.real && (n == 0 || l.real.Last() == l.model.back()));
+    other.Append(x);
+    FUZZ_CHECK(other != l.real && l.real != other);
     stack.Push(x);
     FUZZ_CHECK(stack.Top() == x && stack.ItemAt(stack.Depth() - 1) == *--stack.end());
     if (input.number(2) != 0) stack.Pop();
