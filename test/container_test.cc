@@ -208,6 +208,10 @@ TEST(Containers, ViolationsAreDescribed) {
   expect("Range_Error LX_TDynamic::Insert", LX_kInvalidIndex, [&] { a.Insert(1, 2); });
   expect("Range_Error LX_TDynamic::Append", LX_kInvalidIndex, [&] { a.Append(1, 1); });
   expect("Range_Error LX_TDynamic::Remove", LX_kInvalidIndex, [&] { a.Remove(1); });
+  expect("Range_Error LX_TDynamic::Replace", LX_kInvalidIndex, [&] { a.Replace(1, 1); });
+  expect("Range_Error LX_TDynamic::Location", LX_kInvalidIndex,
+         [&] { LX_TDynamic<int>().Location(1, 1); });
+  expect("Underflow LX_TUnbounded::Remove", LX_kEmpty, [&] { empty.Remove(0); });
   expect("Range_Error LX_TDynamic<>::operator[]", LX_kInvalidIndex, [&] { a[1] = 1; });
   expect("Range_Error LX_TUnbounded::Insert", LX_kInvalidIndex, [&] { l.Insert(1, 1); });
   expect("Range_Error LX_TUnbounded::Append", LX_kInvalidIndex, [&] { l.Append(1, 2); });

@@ -78,7 +78,7 @@ void arrays(fuzz_input& input) {
     unsigned int const what = input.number(15);
     if (what == 0) a.real.SetChunkSize(input.number(7) + 1);
     if (what == 1) a.real = both[1 - k].real, a.model = both[1 - k].model, a.resize(a.model.size());
-    if (what == 2) std::swap(both[0], both[1]);
+    if (what == 2) std::swap(both[0], both[1]), a.real = *&a.real;
     if (what == 3 && n < 20) a.real.Preallocate(20), a.resize(20);
     if (what == 4) a.real.Clear(), a.model.clear(), a.slots = 0;
     if (what > 4) {
