@@ -21,6 +21,10 @@ install(FILES ${PROJECT_SOURCE_DIR}/cmake/miroxgclConfig.cmake
 set(pc_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH pc_prefix /${pc_dir} /)
 string(REGEX REPLACE "/$" "" pc_prefix "${pc_prefix}")
+set(pc_definitions "")
+if(MIROXGCL_CHECK_PRECONDITIONS)
+  set(pc_definitions " -DMIROXGCL_CHECK_PRECONDITIONS=1")
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/miroxgcl.pc.in ${PROJECT_BINARY_DIR}/miroxgcl.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/miroxgcl.pc DESTINATION ${pc_dir} COMPONENT development)
 
