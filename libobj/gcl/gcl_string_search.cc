@@ -1,6 +1,6 @@
 // Search. The string utility matches whole characters; positions stay here.
 #include <algorithm>
-#include <cstring>
+#include <string_view>
 
 #include "miroxgcl/gcl_string.h"
 #include "miroxplat/strutl.h"
@@ -11,6 +11,27 @@ unsigned char to_byte(char c) { return static_cast<unsigned char>(c); }
 
 // The length of the character at `p`, at least 1; `n` bytes are left of its text.
 unsigned int step_at(char const* p, unsigned int n) { return std::max(1u, strutl_mblen(p, n)); }
+
+// The bytes of a set, among which the first bytes of characters are looked up.
+class first_bytes {
+ public:
+  explicit first_bytes(std::string_view set) {
+    for (char const c : set) m_holds[to_byte(c)] = true;
+  }
+  bool holds(char c) const { return m_holds[to_byte(c)]; }
+
+  // The first character from `pos` on whose first byte is not held, or `end`. Nearly all characters
+  // are one byte long; the service is asked for those that may be longer.
+  unsigned int skip_held(char const* text, unsigned int pos, unsigned int end) const {
+    while (pos < end && holds(text[pos])) {
+      pos += to_byte(text[pos]) < 0x80 ? 1 : step_at(text + pos, end - pos);
+    }
+    return pos;
+  }
+
+ private:
+  bool m_holds[256] = {};
+};
 
 // The string utility's answer, or npos.
 unsigned int find_text(char const* text, unsigned int pos, char const* pattern) {
@@ -72,21 +93,18 @@ unsigned int GCL_String::find_last_of(GCL_String const& set, unsigned int last) 
   return find_backward(*this, last, [&](unsigned int from) { return find_first_of(set, from); });
 }
 
-// Nearly all characters are one byte long; the service is asked for those that may be longer.
 unsigned int GCL_String::find_first_not_of(GCL_String const& set, unsigned int pos) const {
-  bool is_in_set[256] = {};
-  for (unsigned int i = 0; i < set.length(); ++i) is_in_set[to_byte(set.bytes()[i])] = true;
-  unsigned int const end = length();
-  char const* const text = c_str();
-  while (pos < end && is_in_set[to_byte(text[pos])]) {
-    pos += to_byte(text[pos]) < 0x80 ? 1 : step_at(text + pos, end - pos);
-  }
-  return pos < end ? pos : npos;
+  unsigned int const found = first_bytes(set).skip_held(c_str(), pos, length());
+  return found < length() ? found : npos;
 }
 
 unsigned int GCL_String::find_last_not_of(GCL_String const& set, unsigned int last) const {
   last = clamp_last(last, length());
   if (last == npos) return npos;
-  return find_backward(*this, last,
-                       [&](unsigned int from) { return find_first_not_of(set, from); });
+  first_bytes const members(set);
+  char const* const text = c_str();
+  return find_backward(*this, last, [&, end = length()](unsigned int from) {
+    unsigned int const found = members.skip_held(text, from, end);
+    return found < end ? found : npos;
+  });
 }

@@ -39,16 +39,55 @@ bool is_boundary(char const* text, char const* p) {
   return true;
 }
 
-// The first occurrence of `pattern` in `text`, at or after `from`, that is made of whole
-// characters; null if there is none. Only a pattern that is malformed at an end is ever refused.
+// The period of the pattern, when it repeats itself at least twice; otherwise 0. It is the distance
+// at which the first half occurs again, if all the rest follows at the same distance.
+std::size_t repeating_period(char const* pattern, std::size_t length) {
+  if (length < 2) return 0;
+  auto const* const again =
+      static_cast<char const*>(memmem(pattern + 1, length - 1, pattern, (length + 1) / 2));
+  if (again == nullptr) return 0;
+  auto const period = static_cast<std::size_t>(again - pattern);
+  return std::memcmp(pattern, again, length - period) == 0 ? period : 0;
+}
+
+// The first occurrence of `pattern` in terminated text. The C library's strstr() is fastest, but some
+// of its versions take time in proportion to the text times the pattern. So a long pattern is left to
+// memmem(), which is linear, over a piece of the text at a time, each twice as long as the last: no
+// more is read than twice what lies before the occurrence.
+char const* find_bytes(char const* from, char const* pattern, std::size_t length) {
+  constexpr std::size_t longest_short_pattern = 64;
+  if (length == 1) return std::strchr(from, pattern[0]);
+  if (length <= longest_short_pattern) return std::strstr(from, pattern);
+  for (std::size_t piece = 4 * length;; piece *= 2) {
+    std::size_t const n = strnlen(from, piece);
+    auto const* const found = static_cast<char const*>(memmem(from, n, pattern, length));
+    if (found != nullptr || n < piece) return found;
+    from += n - (length - 1);
+  }
+}
+
+// The first occurrence of `pattern` in `text`, at or after `from`, that is made of whole characters;
+// null if there is none. Only a pattern that is malformed at an end is ever refused.
+//
+// Linear: two occurrences either lie at least half the pattern's length apart, which pays for a new
+// search, or one period, which is all that is compared to find the second.
 char const* find_whole(char const* text, char const* from, char const* pattern) {
   std::size_t const length = std::strlen(pattern);
   if (length == 0) return nullptr;
-  for (;; ++from) {
-    from = length == 1 ? std::strchr(from, pattern[0]) : std::strstr(from, pattern);
-    if (from == nullptr) return nullptr;
-    if (is_boundary(text, from) && is_boundary(text, from + length)) return from;
+  auto const is_whole = [=](char const* p) {
+    return is_boundary(text, p) && is_boundary(text, p + length);
+  };
+  from = find_bytes(from, pattern, length);
+  if (from == nullptr || is_whole(from)) return from;
+  std::size_t const period = repeating_period(pattern, length);
+  for (; from != nullptr; from = find_bytes(from + 1, pattern, length)) {
+    if (is_whole(from)) return from;
+    while (period != 0 && std::strncmp(from + length, from + length - period, period) == 0) {
+      from += period;
+      if (is_whole(from)) return from;
+    }
   }
+  return nullptr;
 }
 
 // Where a character of a set stands in the text and in the set; both null for none.
