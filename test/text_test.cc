@@ -2,7 +2,10 @@
 // exceptions, memory that runs out and long texts.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ctime>
+#include <iterator>
+#include <memory>
 #include <sstream>
 
 #include "miroxgcl/gcl_string.h"
@@ -74,14 +77,38 @@ TEST(Streams, LeaveWhatWasReadWhenTheyThrow) {
   }
 }
 
-TEST(Streams, GiveAllOrNothingWhenMemoryRunsOut) {
-  using reading = std::pair<std::stringstream, GCL_String>;
-  auto const open = [] { return reading(std::string(500, 'x'), "old"); };
-  auto const read = [](reading& r) { getline(r.first, r.second); };
-  auto const check = [](reading const& r, bool failed) {
-    EXPECT_EQ(r.second.length(), failed ? 0u : 500u);
-  };
-  EXPECT_GE(fail_each_allocation(open, read, check), 1);
+// Shows 300 bytes, `step` at a time; with 0, it hands out single ones and holds none.
+struct pieces : std::streambuf {
+  explicit pieces(std::ptrdiff_t s) : step(s) { setg(text, text, text); }
+  int underflow() override { return show(step); }
+  int uflow() override { return show(1) == traits_type::eof() ? traits_type::eof() : sbumpc(); }
+  int show(std::ptrdiff_t n) {
+    setg(text, gptr(), gptr() + std::min(n, std::end(text) - gptr()));
+    return gptr() == std::end(text) ? traits_type::eof() : traits_type::to_int_type(*gptr());
+  }
+  char text[300];
+  std::ptrdiff_t step;
+};
+
+TEST(Streams, LoseNoByteWhenMemoryRunsOut) {
+  for (std::ptrdiff_t const step : {0, 45, 300}) {
+    std::string const text = std::string(299, 'x') + '\n';
+    auto const open = [&] {
+      auto source = std::make_unique<pieces>(step);
+      text.copy(source->text, text.size());
+      return std::pair(std::move(source), GCL_String("old"));
+    };
+    auto const read = [](auto& reading) {
+      std::istream in(reading.first.get());
+      getline(in, reading.second);
+    };
+    auto const check = [&](auto& reading, bool failed) {
+      std::string const taken(reading.second);
+      std::string const left{std::istreambuf_iterator<char>(reading.first.get()), {}};
+      EXPECT_EQ(taken + left, failed ? text : text.substr(0, 299)) << step;
+    };
+    EXPECT_GE(fail_each_allocation(open, read, check), 1);
+  }
 }
 
 }  // namespace

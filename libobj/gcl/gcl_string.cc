@@ -10,11 +10,19 @@ template class GCL_Handle<GCL_StringRep>;
 
 namespace {
 
-// The length of a NUL-terminated array, refused when no string could hold it.
-unsigned int length_of(char const* s) {
-  std::size_t const n = std::strlen(s);
-  if (n > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
-  return static_cast<unsigned int>(n);
+// How many bytes of the array `s` are meant by the count `n`. Refuses what no string could hold.
+unsigned int count_in(char const* s, unsigned int n) {
+  if (s == nullptr) return 0;
+  std::size_t const count = n == GCL_String::npos ? std::strlen(s) : n;
+  if (count > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
+  return static_cast<unsigned int>(count);
+}
+
+// How many bytes of the string `s` are meant by the count `n`.
+unsigned int count_in(GCL_String const& s, unsigned int n) {
+  if (n == GCL_String::npos) return s.length();
+  LX_REQUIRE(n <= s.length(), "Range_Error", "GCL_String, count of a source", LX_kInvalidIndex);
+  return n;
 }
 
 // `n` bytes at `pos` cut at `length`. Never adds the two: the sum may wrap.
@@ -35,17 +43,18 @@ void copy_bytes(char* dest, char const* src, std::size_t n) {
 
 }  // namespace
 
+char const GCL_String::m_empty_text[1] = "";
+
 GCL_String::GCL_String(GCL_String const& s, unsigned int n) {
   if (n == npos) {
     *this = s;
   } else {
-    set_rep(GCL_StringRep::make(n, 0, s.c_str()));
+    set_rep(GCL_StringRep::make(count_in(s, n), 0, s.c_str()));
   }
 }
 
 GCL_String::GCL_String(char const* s, unsigned int n) {
-  if (s == nullptr) s = "";
-  if (n == npos) n = length_of(s);
+  n = count_in(s, n);
   if (n != 0) set_rep(GCL_StringRep::make(n, 0, s));
 }
 
@@ -67,52 +76,60 @@ GCL_String::GCL_String(char c, unsigned int count) {
 GCL_String::GCL_String(unsigned char c, unsigned int count)
     : GCL_String(static_cast<char>(c), count) {}
 
-unsigned int GCL_String::copy(char* dest, unsigned int n, unsigned int pos) const noexcept {
+unsigned int GCL_String::copy(char* dest, unsigned int n, unsigned int pos) const {
+  require_position(pos, "GCL_String::copy");
   unsigned int const count = clamp(n, pos, length());
   copy_bytes(dest, c_str() + pos, count);
   return count;
 }
 
 GCL_String GCL_String::substr(unsigned int pos, unsigned int n) const {
+  require_position(pos, "GCL_String::substr");
   unsigned int const count = clamp(n, pos, length());
   return count == 0 ? GCL_String() : GCL_String(c_str() + pos, count);
 }
 
 GCL_String& GCL_String::assign(GCL_String const& s, unsigned int n) {
-  if (n == npos) n = s.length();
-  if (n == 0) {
-    set_rep(nullptr);
-  } else if (may_change_in_place(n)) {
-    std::memmove(body()->m_buffer, s.c_str(), n);
-    body()->m_length = n;
-  } else {
-    set_rep(GCL_StringRep::make(n, 0, s.c_str()));
-  }
-  return *this;
+  return assign_bytes(s.c_str(), count_in(s, n));
+}
+
+GCL_String& GCL_String::assign(char const* s, unsigned int n) {
+  return assign_bytes(s, count_in(s, n));
 }
 
 GCL_String& GCL_String::assign(char c, unsigned int count) { return *this = GCL_String(c, count); }
 
+// `s` may point into the text.
+GCL_String& GCL_String::assign_bytes(char const* s, unsigned int n) {
+  if (n == 0) {
+    set_rep(nullptr);
+  } else if (may_change_in_place(n)) {
+    std::memmove(body()->m_buffer, s, n);
+    body()->m_length = n;
+  } else {
+    set_rep(GCL_StringRep::make(n, 0, s));
+  }
+  return *this;
+}
+
 // A second handle on the body makes appending or inserting a string to itself build a new one.
 GCL_String& GCL_String::append(GCL_String const& s, unsigned int n) {
   if (&s == this) return append(GCL_String(s), n);
-  if (n == npos) n = s.length();
-  return n == 0 ? *this : append_bytes(s.c_str(), n);
+  return append_bytes(s.c_str(), count_in(s, n));
 }
 
 GCL_String& GCL_String::append(char const* s, unsigned int n) {
-  if (s == nullptr) s = "";
-  if (n == npos) n = length_of(s);
-  return n == 0 ? *this : append_bytes(s, n);
+  return append_bytes(s, count_in(s, n));
 }
 
-// What lies in the text, or outside, is not where the bytes go.
+// `s` may point into the text. The bytes may then overlap their own copy, in the terminator's place.
 GCL_String& GCL_String::append_bytes(char const* s, unsigned int n) {
+  if (n == 0) return *this;
   unsigned int const length = this->length();
   if (n > GCL_StringRep::max_length - length || !may_change_in_place(length + n)) {
     return do_replace(length, 0, s, n);
   }
-  std::memcpy(body()->m_buffer + length, s, n);
+  std::memmove(body()->m_buffer + length, s, n);
   body()->m_length = length + n;
   return *this;
 }
@@ -123,24 +140,39 @@ GCL_String& GCL_String::append_run(char c, unsigned int count) {
 }
 
 GCL_String& GCL_String::insert(unsigned int pos, GCL_String const& s, unsigned int n) {
+  require_position(pos, "GCL_String::insert");
   if (&s == this) return insert(pos, GCL_String(s), n);
   if (s.body() == nullptr) return *this;
-  return do_replace(pos, 0, s.c_str(), n == npos ? s.length() : n);
+  return do_replace(pos, 0, s.c_str(), count_in(s, n));
+}
+
+GCL_String& GCL_String::insert(unsigned int pos, char const* s, unsigned int n) {
+  require_position(pos, "GCL_String::insert");
+  n = count_in(s, n);
+  return n == 0 ? *this : do_replace(pos, 0, s, n);
 }
 
 GCL_String& GCL_String::replace(unsigned int pos, unsigned int n, GCL_String const& s,
                                 unsigned int slen) {
-  if (slen == npos) slen = s.length();
+  return replace(pos, n, s.c_str(), count_in(s, slen));
+}
+
+GCL_String& GCL_String::replace(unsigned int pos, unsigned int n, char const* s,
+                                unsigned int slen) {
+  require_position(pos, "GCL_String::replace");
+  slen = count_in(s, slen);
   n = clamp(n, pos, length());
-  return n == 0 && slen == 0 ? *this : do_replace(pos, n, s.c_str(), slen);
+  return n == 0 && slen == 0 ? *this : do_replace(pos, n, s, slen);
 }
 
 GCL_String& GCL_String::remove(unsigned int pos, unsigned int n) {
+  require_position(pos, "GCL_String::remove");
   n = clamp(n, pos, length());
   return n == 0 ? *this : do_replace(pos, n, "", 0);
 }
 
 GCL_String& GCL_String::get_remove(GCL_String& out, unsigned int pos, unsigned int n) {
+  require_position(pos, "GCL_String::get_remove");
   n = clamp(n, pos, length());
   out = substr(pos, n);
   return &out == this ? *this : do_replace(pos, n, "", 0);

@@ -2,11 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
-#include <iterator>
 #include <memory>
 #include <new>
-#include <utility>
 
 #include "miroxplat/strutl.h"
 
@@ -25,48 +22,6 @@ unsigned int little_endian_word(char const* p) {
 }
 
 }  // namespace
-
-#if defined(__SANITIZE_ADDRESS__)
-
-// The checker sees every body come and go.
-void* GCL_StringRep::operator new(std::size_t n) { return ::operator new(n); }
-void GCL_StringRep::operator delete(void* p) noexcept { ::operator delete(p); }
-
-#else
-
-namespace {
-
-// Places for the first bodies, in static memory: a chain of those that came back, and behind
-// `s_fresh` those that were never used. Bodies beyond are the allocator's.
-union Place {
-  Place* next;
-  alignas(GCL_StringRep) unsigned char body[sizeof(GCL_StringRep)];
-};
-
-constexpr std::size_t place_count = 256;
-Place s_places[place_count];
-Place* s_returned = nullptr;
-Place* s_fresh = s_places;
-
-}  // namespace
-
-void* GCL_StringRep::operator new(std::size_t n) {
-  if (s_returned != nullptr) return std::exchange(s_returned, s_returned->next);
-  if (s_fresh != std::end(s_places)) return s_fresh++;
-  return ::operator new(n);
-}
-
-void GCL_StringRep::operator delete(void* p) noexcept {
-  auto* const place = static_cast<Place*>(p);
-  std::less<> const before;
-  if (before(place, std::begin(s_places)) || !before(place, std::end(s_places))) {
-    return ::operator delete(p);
-  }
-  place->next = s_returned;
-  s_returned = place;
-}
-
-#endif
 
 unsigned int GCL_StringRep::capacity_for(unsigned int n) {
   unsigned int const grown = n <= 63 ? 2 * n : n <= 255 ? n + n / 2 : n + n / 4;

@@ -1,7 +1,7 @@
 // Stream output and input.
 //
-// Input takes what the stream's buffer holds directly, under one sentry; the stream's own calls
-// fill the buffer, for the flags and for whatever the stream may throw.
+// Input takes what the stream's buffer holds directly, under one sentry. A byte leaves the stream only
+// once it cannot be lost any more: it is in the string, or memory for it is at hand.
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <istream>
+#include <new>
 #include <ostream>
 #include <streambuf>
 #include <utility>
@@ -24,15 +25,6 @@ constexpr int end_of_input = std::char_traits<char>::eof();
 
 // No locale counts printable ASCII as whitespace; the rest it is asked for.
 bool is_space(unsigned char c) { return (c <= ' ' || c > '~') && std::isspace(c) != 0; }
-
-// The end of input fails a read, also where the stream throws for the end alone.
-void fail_at_end(std::istream& is) {
-  if (!is.eof()) return;
-  try {
-    is.setstate(std::ios_base::failbit);
-  } catch (std::ios_base::failure const&) {  // the first is on its way
-  }
-}
 
 // What a stream's buffer holds, without asking its source for more.
 class GetArea : private std::streambuf {
@@ -51,81 +43,132 @@ class GetArea : private std::streambuf {
 
 // A string in the making, which grows by appends of 32 bytes and of what is left at the end. The
 // body that the string had is kept to be used again: one line is often as long as the last.
+//
+// Bytes that do not make a whole append yet are held here. Before the first of them leaves the stream
+// there is room for all: in the string's own body, or in another that stands by.
 class GCL_String::Input {
  public:
   explicit Input(GCL_String& s) : m_string(s), m_spare(std::move(s)) {}
 
   // Takes characters up to one that `find_end(begin, end)` finds, and that one too if `takes_end`.
-  // What was read is in the string, even when the stream throws.
+  // What was taken is in the string, even when memory ends or the stream throws.
   template <class FindEnd>
   void read(std::istream& is, bool takes_end, FindEnd find_end) {
+    std::istream::sentry const ready(is, true);
+    if (!ready) return;
+    bool found = false;
     try {
-      gather(is, takes_end, find_end);
+      found = gather(is, takes_end, find_end);
     } catch (...) {
       flush();
-      fail_at_end(is);
       throw;
     }
     flush();
+    if (found) return;
+    is.setstate(is.bad() ? std::ios_base::failbit : std::ios_base::eofbit | std::ios_base::failbit);
   }
 
  private:
+  // Whether the end was found; otherwise the input has ended, or gone bad.
   template <class FindEnd>
-  void gather(std::istream& is, bool takes_end, FindEnd find_end) {
-    std::istream::sentry const ready(is, true);
-    if (!ready) return;
+  bool gather(std::istream& is, bool takes_end, FindEnd find_end) {
     std::streambuf& buffer = *is.rdbuf();
     for (bool found = false; !found;) {
-      int const next = GetArea::size(buffer) == 0 ? is.peek() : 0;
-      if (next == end_of_input) return is.setstate(std::ios_base::failbit);
-      char const single = static_cast<char>(next);
-      bool const is_unbuffered = GetArea::size(buffer) == 0;
-      char const* const begin = is_unbuffered ? &single : GetArea::begin(buffer);
-      std::size_t const held = is_unbuffered ? 1 : GetArea::size(buffer);
-      char const* const end = find_end(begin, begin + held);
-      auto const length = static_cast<unsigned int>(end - begin);
-      found = length != held;
-      add(begin, length, found);
-      unsigned int const taken = length + (found && takes_end ? 1 : 0);
-      if (!is_unbuffered) {
-        GetArea::skip(buffer, taken);
-      } else if (taken != 0) {
-        is.get();
+      int const next = GetArea::size(buffer) == 0 ? ask(is, &std::streambuf::sgetc) : 0;
+      if (next == end_of_input) return false;
+      if (std::size_t const held = GetArea::size(buffer); held != 0) {
+        char const* const begin = GetArea::begin(buffer);
+        auto const length = static_cast<unsigned int>(find_end(begin, begin + held) - begin);
+        found = length != held;
+        take(buffer, length, found);
+        if (found && takes_end) GetArea::skip(buffer, 1);
+      } else {  // a buffer that holds nothing: one character at a time
+        char const single = static_cast<char>(next);
+        found = find_end(&single, &single + 1) == &single;
+        if (!found) hold(&single, 1);
+        if (!found || takes_end) ask(is, &std::streambuf::sbumpc);
       }
+    }
+    return true;
+  }
+
+  // A character from the stream's buffer. When the buffer throws, the stream has gone bad, and the
+  // exception goes on only where the stream throws for that, as from the standard library's own input.
+  static int ask(std::istream& is, int (std::streambuf::*get)()) {
+    try {
+      return (is.rdbuf()->*get)();
+    } catch (...) {
+      try {
+        is.setstate(std::ios_base::badbit);
+      } catch (std::ios_base::failure const&) {  // the buffer's own goes on instead
+      }
+      if ((is.exceptions() & std::ios_base::badbit) != 0) throw;
+      return end_of_input;
     }
   }
 
-  // Adds bytes; `is_last` says that no more will come.
-  void add(char const* data, unsigned int n, bool is_last) {
-    if (is_last && m_used == 0) return m_string.append_in_chunks(data, n, m_spare);
+  // Takes the next `n` bytes that the buffer holds; `is_last` says that no more will come.
+  void take(std::streambuf& buffer, unsigned int n, bool is_last) {
     unsigned int const missing = m_used == 0 ? 0 : std::min(n, chunk_size - m_used);
-    hold(data, missing);
-    if (n == missing) return;
-    flush();
-    unsigned int const rest = (n - missing) % chunk_size;
-    m_string.append_in_chunks(data + missing, n - missing - rest, m_spare);
-    hold(data + (n - rest), rest);
+    hold(GetArea::begin(buffer), missing);
+    GetArea::skip(buffer, missing);
+    n -= missing;
+    unsigned int const rest = is_last ? 0 : n % chunk_size;
+    m_string.append_in_chunks(GetArea::begin(buffer), n - rest, m_spare);
+    GetArea::skip(buffer, n - rest);
+    hold(GetArea::begin(buffer), rest);
+    GetArea::skip(buffer, rest);
   }
 
+  // Holds `n` bytes more, at most to the end of the chunk, which is then appended.
   void hold(char const* data, unsigned int n) {
+    if (n == 0) return;
+    if (m_used == 0) stand_by();
+    if (n > GCL_StringRep::max_length - m_string.length() - m_used) GCL_StringRep::refuse_length();
     std::memcpy(m_chunk + m_used, data, n);
     m_used += n;
+    if (m_used == chunk_size) flush();
   }
 
-  void flush() {
-    if (m_used == 0) return;
-    m_string.append(m_chunk, m_used);
-    m_used = 0;
+  // Makes sure that flush() cannot fail: a whole chunk fits, or a body for it is at hand.
+  void stand_by() {
+    unsigned int const most = std::min(m_string.length() + chunk_size, GCL_StringRep::max_length);
+    if (!m_string.may_change_in_place(most)) m_next = GCL_String::with_body(most, m_spare);
+  }
+
+  // Appends what is held. A whole chunk takes the body that stands by; fewer bytes may need a smaller
+  // one, and take that body only when there is no memory for their own.
+  void flush() noexcept {
+    unsigned int const n = std::exchange(m_used, 0u);
+    if (n == chunk_size && m_next.body() != nullptr) m_spare = std::move(m_next);
+    try {
+      m_string.append_in_chunks(m_chunk, n, m_spare);
+    } catch (std::bad_alloc const&) {
+      m_next.append(m_string).append(m_chunk, n);
+      m_string = std::move(m_next);
+    }
   }
 
   GCL_String& m_string;
   GCL_String m_spare;
+  GCL_String m_next;
   char m_chunk[chunk_size];
   unsigned int m_used = 0;
 };
 
+// An empty string with the body that an edit gets which needs room for `reserve` bytes: that of
+// `spare`, when it is as large and nobody else's, else a new one.
+GCL_String GCL_String::with_body(unsigned int reserve, GCL_String& spare) {
+  GCL_String result(std::move(spare));
+  bool const fits = result.may_change_in_place(0) &&
+                    result.body()->m_capacity == GCL_StringRep::capacity_for(reserve);
+  if (!fits) result.set_rep(GCL_StringRep::make(0, reserve, nullptr));
+  result.body()->m_length = 0;
+  return result;
+}
+
 // As append(data, chunk_size) as often as a whole chunk is left, then append of the rest, but
-// building one body at most, or taking that of `spare` when it is as large and nobody else's.
+// building one body at most, or taking that of `spare`.
 void GCL_String::append_in_chunks(char const* data, unsigned int n, GCL_String& spare) {
   if (n == 0) return;
   if (std::uint64_t{length()} + n > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
@@ -135,9 +178,7 @@ void GCL_String::append_in_chunks(char const* data, unsigned int n, GCL_String& 
   if (rest != 0) growth.add(rest, 1);
   unsigned int const old_length = length();
   if (growth.reserve != 0) {
-    GCL_String fresh(std::move(spare));
-    bool const fits = fresh.may_change_in_place(0) && fresh.body()->m_capacity == growth.capacity;
-    if (!fits) fresh.set_rep(GCL_StringRep::make(0, growth.reserve, nullptr));
+    GCL_String fresh = with_body(growth.reserve, spare);
     std::memcpy(fresh.body()->m_buffer, c_str(), old_length);
     *this = std::move(fresh);
   }

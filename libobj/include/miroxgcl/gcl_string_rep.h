@@ -4,8 +4,6 @@
 #ifndef MIROXGCL_GCL_STRING_REP_H
 #define MIROXGCL_GCL_STRING_REP_H
 
-#include <cstddef>
-
 #include "miroxgcl/gcl_body.h"
 
 // Invariants:
@@ -20,7 +18,7 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
   // A body of `length` bytes with room for `reserve` bytes, or for the text and its terminator,
   // whichever is more, rounded up by the growth rule. Copies `length` bytes from `text`; when
   // `text` is null they are left for the caller to fill. The count is 0.
-  // Throws std::bad_alloc, or its kin std::bad_array_new_length when length > max_length.
+  // Throws std::bad_alloc, or std::bad_array_new_length when length > max_length.
   GCL_StringRep(unsigned int length, unsigned int reserve, char const* text);
   ~GCL_StringRep() override;
 
@@ -33,7 +31,8 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
   unsigned int capacity() const { return m_capacity; }
   char const* buffer() const { return m_buffer; }
 
-  // A hash of the bytes, four a step, the same on every machine.
+  // A hash of the bytes, the same on every machine. It forgets all but about the last 28 bytes and
+  // the length, so that it spreads texts with a common tail badly: std::hash<GCL_String> does not.
   unsigned int hash() const;
 
   // A hash that texts differing only in the case of letters share; it ends at the first NUL.
@@ -46,14 +45,6 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
     if (m_null_instance == nullptr) build_null_instance();
     return m_null_instance;
   }
-
-  // Up to 256 bodies stand in static memory of the library's own, where one costs a few instructions;
-  // the rest come from the heap, and throw std::bad_alloc when there is no more. (Under the address
-  // sanitizer all do, so that it sees each come and go.)
-  static void* operator new(std::size_t n);
-  static void operator delete(void* p) noexcept;
-  static void* operator new(std::size_t, void* place) noexcept { return place; }
-  static void operator delete(void*, void*) noexcept {}
 
   // Throws what an edit throws whose result would be longer than max_length.
   [[noreturn]] static void refuse_length();
