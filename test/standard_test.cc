@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -51,11 +52,29 @@ TEST(Standard, TextsAreComparedAndSearchedAlike) {
   EXPECT_EQ((std::unordered_map<GCL_String, int>{{ours, 1}, {less, 2}, {ours, 3}}.size()), 2u);
 }
 
+TEST(Standard, HashesSpreadTextsWithACommonTail) {
+  std::set<std::size_t> hashes;
+  for (int i = 0; i < 1000; ++i) {
+    hashes.insert(std::hash<GCL_String>()(std::to_string(i) + std::string(60, 'x')));
+  }
+  EXPECT_GT(hashes.size(), 990u);
+}
+
+TEST(Standard, LeftSideOfASumMayBeMovedFromLater) {
+  for (auto* const add : {+[](GCL_String& s) { return std::move(s) + s; },
+                          +[](GCL_String& s) { return std::move(s) + s.c_str(); },
+                          +[](GCL_String& s) { return std::move(s) + s.substr(0); }}) {
+    GCL_String s("one");
+    expect_same(add(s), "oneone");
+  }
+}
+
 TEST(Standard, WhereTextsDiffer) {
   EXPECT_EQ(GCL_String("").find(""), GCL_String::npos);        // std::string: 0
   EXPECT_EQ(GCL_String("a\0b"s).find("b"), GCL_String::npos);  // sees up to the first NUL
   EXPECT_FALSE(GCL_String("a\0b"s) == "a" || "a" == GCL_String("a\0b"s));
-  EXPECT_EQ(GCL_String(static_cast<char const*>(nullptr)), "");  // not undefined
+  char const* const null = nullptr;
+  EXPECT_TRUE(GCL_String(null, 5) == null && GCL_String().assign(null, 5) == "");  // not undefined
   EXPECT_THROW(GCL_String(std::string_view("", std::size_t{1} << 31)), std::bad_alloc);
   EXPECT_THROW(GCL_String(std::string_view("", SIZE_MAX / 2 + 2)), std::bad_alloc);
   GCL_String const a("one"), b(a);

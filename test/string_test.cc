@@ -95,13 +95,20 @@ TEST(String, EditsBytesAndFindsCharacters) {
   EXPECT_EQ(t.rfind("", 99), 99u);
 }
 
-// Processor time: reading the whole text again at each of the 10,486 matches takes far longer.
-TEST(String, BackwardSearchesAreLinear) {
-  GCL_String s('a', 1u << 20);
-  for (unsigned int i = 0; i < s.length(); i += 100) s.put_at(i, '/');
+// Processor time: reading all of the text, the pattern or the set again at each match takes far
+// longer.
+TEST(String, SearchesAreLinear) {
+  GCL_String path('a', 1u << 20), letters, halves;
+  for (unsigned int i = 0; i < path.length(); i += 100) path.put_at(i, '/');
+  for (int i = 0; i < 200'000; ++i) letters.append("\xC3\xA9");
+  for (int i = 0; i < 100'000; ++i) halves.append("\xA9\xC3");
   std::clock_t const start = std::clock();
-  EXPECT_EQ(s.rfind("/"), 1048500u);
-  EXPECT_EQ(s.find_last_of("/"), 1048500u);
+
+  EXPECT_EQ(path.rfind("/"), 1048500u);
+  EXPECT_EQ(path.find_last_of("/"), 1048500u);
+  EXPECT_EQ(letters.find(halves), npos);  // each occurrence begins inside a character
+  EXPECT_EQ(letters.find_last_not_of(GCL_String('x', 400'000)), 399'998u);
+
   EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
 }
 
@@ -111,10 +118,38 @@ TEST(String, RefusesWhatIsTooLong) {
   EXPECT_THROW(s.append('x', npos), std::bad_array_new_length);
   EXPECT_THROW(s.append("x", npos - 3), std::bad_array_new_length);
   EXPECT_THROW(s.append("x", 4294967295u), std::bad_array_new_length);
+  EXPECT_THROW(GCL_String("abc", 4294967299), std::bad_array_new_length);  // not 3
+  EXPECT_EQ(s.substr(1, 4294967297), "bc");
   failing_allocator const failing(1);
   EXPECT_THROW(s.append("x", npos - 4), std::bad_alloc);
   EXPECT_NE(failing_allocator::failed_size(), 0u);
 }
+
+// A body of the longest length that has room for more. Its text is never touched.
+TEST(String, LongestTextTakesNoFurtherCharacter) {
+  if (sizeof(void*) == 4) GTEST_SKIP() << "no block of that size";
+  GCL_String s;
+  s.set_rep(new GCL_StringRep(npos - 1, 0, nullptr));
+  EXPECT_THROW(s.append('x'), std::bad_array_new_length);
+  EXPECT_THROW(s.put_at(npos - 1, 'x'), std::bad_array_new_length);
+}
+
+#ifdef MIROXGCL_CHECK_PRECONDITIONS
+
+TEST(String, PositionsAndCountsOfSourcesAreChecked) {
+  GCL_String s("abc");
+  EXPECT_EQ(s.get_at(3), '\0');
+  EXPECT_EQ(s.put_at(3, 'd'), "abcd");
+  EXPECT_THROW(s.get_at(5), LX_XException);
+  EXPECT_THROW(s.put_at(5, 'x'), LX_XException);
+  EXPECT_THROW(s.insert(5, "x"), LX_XException);
+  EXPECT_THROW(s.replace(5, 0, "x"), LX_XException);
+  EXPECT_THROW(s.remove(5), LX_XException);
+  EXPECT_THROW(s.append(GCL_String("x"), 2), LX_XException);
+  EXPECT_EQ(s, "abcd");
+}
+
+#endif
 
 TEST(String, KeepsItsValueWhenAnAllocationFails) {
   void (*const edits[])(GCL_String&) = {
