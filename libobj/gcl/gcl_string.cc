@@ -13,9 +13,7 @@ namespace {
 // How many bytes of the array `s` are meant by the count `n`. Refuses what no string could hold.
 unsigned int count_in(char const* s, unsigned int n) {
   if (s == nullptr) return 0;
-  std::size_t const count = n == GCL_String::npos ? std::strlen(s) : n;
-  if (count > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
-  return static_cast<unsigned int>(count);
+  return GCL_StringRep::checked_length(n == GCL_String::npos ? std::strlen(s) : n);
 }
 
 // How many bytes of the string `s` are meant by the count `n`.
@@ -62,8 +60,7 @@ GCL_String::GCL_String(unsigned char const* s, unsigned int n)
     : GCL_String(reinterpret_cast<char const*>(s), n) {}
 
 GCL_String::GCL_String(std::string_view s) {
-  if (s.size() > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
-  auto const n = static_cast<unsigned int>(s.size());
+  unsigned int const n = GCL_StringRep::checked_length(s.size());
   if (n != 0) set_rep(GCL_StringRep::make(n, 0, s.data()));
 }
 
@@ -134,7 +131,7 @@ GCL_String& GCL_String::append_bytes(char const* s, unsigned int n) {
   return *this;
 }
 
-GCL_String& GCL_String::append_run(char c, unsigned int count) {
+GCL_String& GCL_String::append_slow_path(char c, unsigned int count) {
   if (count == 1) return do_replace(length(), 0, &c, 1);
   return append(GCL_String(c, count));
 }
@@ -178,7 +175,7 @@ GCL_String& GCL_String::get_remove(GCL_String& out, unsigned int pos, unsigned i
   return &out == this ? *this : do_replace(pos, n, "", 0);
 }
 
-GCL_String& GCL_String::put_at_new(unsigned int pos, char c) {
+GCL_String& GCL_String::put_at_slow_path(unsigned int pos, char c) {
   if (pos == length()) return append(&c, 1);
   reserve(length());
   body()->m_buffer[pos] = c;
@@ -196,9 +193,7 @@ GCL_String const& GCL_String::reserve(unsigned int n) const {
 GCL_String& GCL_String::do_replace(unsigned int pos, unsigned int n, char const* src,
                                    unsigned int srclen) {
   unsigned int const length = this->length();
-  std::uint64_t const sum = std::uint64_t{length} - n + srclen;
-  if (sum > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
-  auto const newlen = static_cast<unsigned int>(sum);
+  unsigned int const newlen = GCL_StringRep::checked_length(std::uint64_t{length} - n + srclen);
   if (newlen == 0) {
     set_rep(nullptr);
     return *this;

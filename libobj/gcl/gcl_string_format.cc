@@ -1,9 +1,8 @@
 // Line endings and style characters.
 //
-// What a conversion leaves is defined by single edits: each carriage return taken out by remove(),
-// each line feed given its carriage return by replace(). The growth rule makes the body that such a
-// series of edits ends with plain arithmetic; so it is planned first, at most one body is built,
-// and the text is converted in one pass.
+// A conversion leaves what single edits would leave: remove() of each carriage return, replace() of
+// each line feed. The capacity after such a series of edits is forecast first, so that at most one body
+// is built and the text is converted in one pass.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -37,7 +36,8 @@ char const* find(char const* begin, char const* end, char c) {
   return p != nullptr ? static_cast<char const*>(p) : end;
 }
 
-// Without carriage returns. `dest` may be `begin`. Both answer where the copy ends.
+// Copies the text without carriage returns to `dest`, which may be `begin`. Returns where the copy
+// ends, as put_with_cr_lf does.
 char* put_without_cr(char* dest, char const* begin, char const* end) {
   while (begin != end) {
     char const* const stop = find(begin, end, '\r');
@@ -49,7 +49,8 @@ char* put_without_cr(char* dest, char const* begin, char const* end) {
   return dest;
 }
 
-// Without carriage returns but for one before each line feed. `dest` stands elsewhere.
+// Copies the text without carriage returns but for one before each line feed. `dest` does not overlap
+// the text.
 char* put_with_cr_lf(char* dest, char const* begin, char const* end) {
   while (begin != end) {
     char const* const stop = find(begin, end, '\n');
@@ -62,8 +63,8 @@ char* put_with_cr_lf(char* dest, char const* begin, char const* end) {
   return dest;
 }
 
-// Gives each of the `count` line feeds before `end` its carriage return, in place: the text moves
-// up from behind into the `count` bytes of room after it.
+// Gives each of the `count` line feeds before `end` its carriage return, in place: the text is moved
+// from its end on into the `count` bytes of room after it.
 void spread_line_feeds(char* end, unsigned int count) {
   for (char* dest = end + count; dest != end;) {
     *--dest = *--end;
@@ -79,44 +80,60 @@ GCL_String& GCL_String::from_pc_mode() { return convert_line_ends(false); }
 
 GCL_String& GCL_String::to_pc_mode() { return convert_line_ends(true); }
 
-// Converts up to the first NUL; what stands behind it stays as it is.
-GCL_String& GCL_String::convert_line_ends(bool to_pc) {
-  char const* const text = c_str();
-  char const* const end = text + std::strlen(text);
-  unsigned int const feeds = to_pc ? count(text, end, '\n') : 0;
-  unsigned int const returns = count(text, end, '\r');
-  if (feeds == 0 && returns == 0) return *this;
+// What a conversion removes and adds, in the text up to its first NUL.
+struct GCL_String::LineEnds {
+  LineEnds(GCL_String const& s, bool to_pc)
+      : text(s.c_str()),
+        end(text + std::strlen(text)),
+        added(to_pc ? count(text, end, '\n') : 0),
+        removed(count(text, end, '\r')) {}
 
-  std::uint64_t const newlen = std::uint64_t{length()} - returns + feeds;
-  if (newlen > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
+  bool is_unchanged() const { return added == 0 && removed == 0; }
+
+  char const* text;
+  char const* end;
+  unsigned int added;    // carriage returns before line feeds
+  unsigned int removed;  // carriage returns
+};
+
+GCL_String& GCL_String::convert_line_ends(bool to_pc) {
+  LineEnds const change(*this, to_pc);
+  if (change.is_unchanged()) return *this;
+  unsigned int const newlen =
+      GCL_StringRep::checked_length(std::uint64_t{length()} - change.removed + change.added);
   if (newlen == 0) return set_rep(nullptr), *this;
 
-  GCL_StringRep* const rep = body();
-  GCL_StringRep::Growth growth(rep);
-  if (returns != 0) {
-    auto const first = static_cast<unsigned int>(std::strchr(text, '\r') - text);
-    growth.unshare(std::max(length() - 1, first + 1));
-    growth.length -= returns;
+  GCL_StringRep::CapacityForecast forecast(body());
+  if (change.removed != 0) {
+    auto const first = static_cast<unsigned int>(std::strchr(change.text, '\r') - change.text);
+    forecast.add_shortening(std::max(length() - 1, first + 1));
+    forecast.length -= change.removed;
   }
-  growth.add(1, feeds);
-
-  auto const behind = static_cast<std::size_t>(text + length() - end);
-  if (growth.reserve != 0) {
-    auto* const fresh = GCL_StringRep::make(0, growth.reserve, nullptr);
-    char* const middle = (to_pc ? put_with_cr_lf : put_without_cr)(fresh->m_buffer, text, end);
-    std::memcpy(middle, end, behind);
-    set_rep(fresh);
-  } else {
-    char* const middle = put_without_cr(rep->m_buffer, text, end);
-    std::memmove(middle + feeds, end, behind);
-    spread_line_feeds(middle, feeds);
-  }
-  body()->m_length = static_cast<unsigned int>(newlen);
+  forecast.add_appends(1, change.added);
+  apply(change, forecast.reserve);
+  body()->m_length = newlen;
   return *this;
 }
 
-// The new body is as roomy as for a text one byte longer, and is taken even when nothing was
-// stripped.
+// Puts the converted text into a new body with room for `reserve` bytes, or in place where that is 0.
+// What follows the first NUL is moved as it is.
+void GCL_String::apply(LineEnds const& change, unsigned int reserve) {
+  auto const behind = static_cast<std::size_t>(change.text + length() - change.end);
+  if (reserve != 0) {
+    auto* const fresh = GCL_StringRep::make(0, reserve, nullptr);
+    auto* const put = change.added != 0 ? put_with_cr_lf : put_without_cr;
+    char* const middle = put(fresh->m_buffer, change.text, change.end);
+    std::memcpy(middle, change.end, behind);
+    set_rep(fresh);
+  } else {
+    char* const middle = put_without_cr(body()->m_buffer, change.text, change.end);
+    std::memmove(middle + change.added, change.end, behind);
+    spread_line_feeds(middle, change.added);
+  }
+}
+
+// The new body has the capacity of a text one byte longer, and replaces the old one even when nothing
+// was stripped.
 GCL_String& GCL_String::remove_formatting() {
   GCL_String stripped;
   auto* const rep = GCL_StringRep::make(length() + 1, 1, nullptr);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int to_lower_case = 1;  // the string utility's mode
 
-// One step of both hashes. Only the top bit comes round: it is not a rotation.
+// One step of both hashes. Only the top bit is carried over, so this is not a rotation.
 unsigned int mix(unsigned int h, unsigned int word) { return ((h << 5) | (h >> 31)) ^ word; }
 
 unsigned int little_endian_word(char const* p) {
@@ -29,10 +29,9 @@ unsigned int GCL_StringRep::capacity_for(unsigned int n) {
   return at_least < n ? n : at_least;  // the sum wrapped
 }
 
-// Refuses a length first: near 2^32 the room for its terminator would wrap to nothing.
+// Checks the length first: near 2^32 the room for its terminator would wrap to 0.
 char* GCL_StringRep::allocate(unsigned int length, unsigned int reserve, unsigned int* capacity) {
-  if (length > max_length) refuse_length();
-  *capacity = capacity_for(reserve > length ? reserve : length + 1);
+  *capacity = capacity_for(reserve > length ? reserve : checked_length(length) + 1);
   return static_cast<char*>(::operator new(*capacity));
 }
 
@@ -58,18 +57,18 @@ bool GCL_StringRep::operator==(GCL_Body const* other) const {
   return m_length == rep.m_length && std::memcmp(m_buffer, rep.m_buffer, m_length) == 0;
 }
 
-GCL_StringRep::Growth::Growth(GCL_StringRep const* rep)
+GCL_StringRep::CapacityForecast::CapacityForecast(GCL_StringRep const* rep)
     : length(rep != nullptr ? rep->m_length : 0),
       capacity(rep != nullptr && rep->reference_count() <= 1 ? rep->m_capacity : 0),
       reserve(0) {}
 
-void GCL_StringRep::Growth::unshare(unsigned int room) {
+void GCL_StringRep::CapacityForecast::add_shortening(unsigned int room) {
   if (capacity != 0) return;
   reserve = room;
   capacity = capacity_for(room);
 }
 
-void GCL_StringRep::Growth::add(unsigned int step, unsigned int count) {
+void GCL_StringRep::CapacityForecast::add_appends(unsigned int step, unsigned int count) {
   while (count != 0) {
     unsigned int const room = length < capacity ? capacity - 1 - length : 0;
     unsigned int const fit = std::min(count, room / step);
@@ -118,4 +117,7 @@ void GCL_StringRep::build_null_instance() noexcept {
   m_null_instance->reference();
 }
 
-void GCL_StringRep::refuse_length() { throw std::bad_array_new_length(); }
+unsigned int GCL_StringRep::checked_length(std::uint64_t length) {
+  if (length > max_length) throw std::bad_array_new_length();
+  return static_cast<unsigned int>(length);
+}

@@ -73,23 +73,36 @@ class GCL_String::Input {
   template <class FindEnd>
   bool gather(std::istream& is, bool takes_end, FindEnd find_end) {
     std::streambuf& buffer = *is.rdbuf();
-    for (bool found = false; !found;) {
+    for (;;) {
       int const next = GetArea::size(buffer) == 0 ? ask(is, &std::streambuf::sgetc) : 0;
       if (next == end_of_input) return false;
-      if (std::size_t const held = GetArea::size(buffer); held != 0) {
-        char const* const begin = GetArea::begin(buffer);
-        auto const length = static_cast<unsigned int>(find_end(begin, begin + held) - begin);
-        found = length != held;
-        take(buffer, length, found);
-        if (found && takes_end) GetArea::skip(buffer, 1);
-      } else {  // a buffer that holds nothing: one character at a time
-        char const single = static_cast<char>(next);
-        found = find_end(&single, &single + 1) == &single;
-        if (!found) hold(&single, 1);
-        if (!found || takes_end) ask(is, &std::streambuf::sbumpc);
-      }
+      bool const found = GetArea::size(buffer) != 0
+                             ? take_held(buffer, find_end)
+                             : take_single(is, static_cast<char>(next), find_end);
+      if (!found) continue;
+      if (takes_end) ask(is, &std::streambuf::sbumpc);
+      return true;
     }
-    return true;
+  }
+
+  // Takes what the buffer holds, up to the end that is sought. Whether it was found.
+  template <class FindEnd>
+  bool take_held(std::streambuf& buffer, FindEnd find_end) {
+    char const* const begin = GetArea::begin(buffer);
+    std::size_t const held = GetArea::size(buffer);
+    auto const length = static_cast<unsigned int>(find_end(begin, begin + held) - begin);
+    bool const found = length != held;
+    take(buffer, length, found);
+    return found;
+  }
+
+  // The same for `c`, the next character of a buffer that holds none.
+  template <class FindEnd>
+  bool take_single(std::istream& is, char c, FindEnd find_end) {
+    if (find_end(&c, &c + 1) == &c) return true;
+    hold(&c, 1);
+    ask(is, &std::streambuf::sbumpc);
+    return false;
   }
 
   // A character from the stream's buffer. When the buffer throws, the stream has gone bad, and the
@@ -124,7 +137,7 @@ class GCL_String::Input {
   void hold(char const* data, unsigned int n) {
     if (n == 0) return;
     if (m_used == 0) stand_by();
-    if (n > GCL_StringRep::max_length - m_string.length() - m_used) GCL_StringRep::refuse_length();
+    GCL_StringRep::checked_length(std::uint64_t{m_string.length()} + m_used + n);
     std::memcpy(m_chunk + m_used, data, n);
     m_used += n;
     if (m_used == chunk_size) flush();
@@ -171,19 +184,19 @@ GCL_String GCL_String::with_body(unsigned int reserve, GCL_String& spare) {
 // building one body at most, or taking that of `spare`.
 void GCL_String::append_in_chunks(char const* data, unsigned int n, GCL_String& spare) {
   if (n == 0) return;
-  if (std::uint64_t{length()} + n > GCL_StringRep::max_length) GCL_StringRep::refuse_length();
-  GCL_StringRep::Growth growth(body());
-  growth.add(chunk_size, n / chunk_size);
-  unsigned int const rest = n % chunk_size;
-  if (rest != 0) growth.add(rest, 1);
   unsigned int const old_length = length();
-  if (growth.reserve != 0) {
-    GCL_String fresh = with_body(growth.reserve, spare);
+  unsigned int const new_length = GCL_StringRep::checked_length(std::uint64_t{old_length} + n);
+  GCL_StringRep::CapacityForecast forecast(body());
+  forecast.add_appends(chunk_size, n / chunk_size);
+  unsigned int const rest = n % chunk_size;
+  if (rest != 0) forecast.add_appends(rest, 1);
+  if (forecast.needs_new_body()) {
+    GCL_String fresh = with_body(forecast.reserve, spare);
     std::memcpy(fresh.body()->m_buffer, c_str(), old_length);
     *this = std::move(fresh);
   }
   std::memcpy(body()->m_buffer + old_length, data, n);
-  body()->m_length = old_length + n;
+  body()->m_length = new_length;
 }
 
 std::ostream& operator<<(std::ostream& os, GCL_String const& s) {

@@ -147,7 +147,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return append(reinterpret_cast<char const*>(s), n);
   }
   GCL_String& append(char c, unsigned int count = 1) {
-    if (count != 1 || !may_change_in_place(length() + 1)) return append_run(c, count);
+    if (count != 1 || !may_change_in_place(length() + 1)) return append_slow_path(c, count);
     body()->m_buffer[body()->m_length++] = c;
     return *this;
   }
@@ -201,7 +201,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   // Sets the byte at `pos`; at the end, appends it.
   GCL_String& put_at(unsigned int pos, char c) {
     require_position(pos, "GCL_String::put_at");
-    if (pos == length() || body()->reference_count() > 1) return put_at_new(pos, c);
+    if (pos == length() || body()->reference_count() > 1) return put_at_slow_path(pos, c);
     body()->m_buffer[pos] = c;
     return *this;
   }
@@ -211,8 +211,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   GCL_String const& reserve(unsigned int n) const;
   template <class N, GCL_IfWide<N> = 0>
   GCL_String const& reserve(N n) const {
-    if (narrow(n) != n) GCL_StringRep::refuse_length();
-    return reserve(narrow(n));
+    return reserve(GCL_StringRep::checked_length(static_cast<std::uint64_t>(n)));
   }
 
   // --- Line ends and formatting, up to the first NUL. One pass; what is shared or has room is as
@@ -294,7 +293,9 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
                                         unsigned int srclen);
   MIROXGCL_LOCAL GCL_String& assign_bytes(char const* s, unsigned int n);
   MIROXGCL_LOCAL GCL_String& append_bytes(char const* s, unsigned int n);
+  struct LineEnds;
   MIROXGCL_LOCAL GCL_String& convert_line_ends(bool to_pc);
+  MIROXGCL_LOCAL void apply(LineEnds const& change, unsigned int reserve);
   MIROXGCL_LOCAL void append_in_chunks(char const* data, unsigned int n, GCL_String& spare);
   MIROXGCL_LOCAL static GCL_String with_body(unsigned int reserve, GCL_String& spare);
 
@@ -310,7 +311,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   }
 
   MIROXGCL_LOCAL void require_position([[maybe_unused]] unsigned int pos,
-                        [[maybe_unused]] char const* operation) const {
+                                       [[maybe_unused]] char const* operation) const {
     LX_REQUIRE(pos <= length(), "Range_Error", operation, LX_kInvalidIndex);
   }
 
@@ -321,8 +322,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
            newlen <= GCL_StringRep::max_length;
   }
   char const* bytes() const noexcept { return body()->m_buffer; }
-  GCL_String& append_run(char c, unsigned int count);
-  GCL_String& put_at_new(unsigned int pos, char c);
+  GCL_String& append_slow_path(char c, unsigned int count);
+  GCL_String& put_at_slow_path(unsigned int pos, char c);
 
   friend bool operator==(GCL_String const& a, GCL_String const& b) noexcept;
 };

@@ -46,8 +46,8 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
     return m_null_instance;
   }
 
-  // Throws what an edit throws whose result would be longer than max_length.
-  [[noreturn]] static void refuse_length();
+  // `length` as a body has it. Throws std::bad_array_new_length when it exceeds max_length.
+  static unsigned int checked_length(std::uint64_t length);
 
  private:
   friend class GCL_String;
@@ -59,20 +59,22 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
   // The growth rule: the capacity of a buffer into which `n` bytes must fit, n > 0.
   MIROXGCL_LOCAL static unsigned int capacity_for(unsigned int n);
   static constexpr unsigned int null_capacity = 8;
-  // Foresees the bodies that a series of edits of one string would build, so that the last can be
-  // built at once.
-  struct MIROXGCL_LOCAL Growth {
+  // Forecasts the capacity that a series of edits leaves, so that one body can be built for all.
+  struct MIROXGCL_LOCAL CapacityForecast {
     // Before the first edit of a string that holds `rep`, which may be null.
-    explicit Growth(GCL_StringRep const* rep);
+    explicit CapacityForecast(GCL_StringRep const* rep);
 
-    // An edit that needs `room` bytes at most if it must build a body, and surely fits in place.
-    void unshare(unsigned int room);
-    // `count` edits that add `step` bytes each. REQUIRES: the sum is at most max_length.
-    void add(unsigned int step, unsigned int count);
+    // An edit that shortens the text: in place where the body is unshared, otherwise in a new body
+    // with room for `room` bytes. The caller adjusts `length`.
+    void add_shortening(unsigned int room);
+    // `count` edits that append `step` bytes each. REQUIRES: the sum is at most max_length.
+    void add_appends(unsigned int step, unsigned int count);
+
+    bool needs_new_body() const { return reserve != 0; }
 
     unsigned int length;    // of the text
     unsigned int capacity;  // of the body; 0 while none may be changed in place
-    unsigned int reserve;   // what the last body was built with; 0 when none was
+    unsigned int reserve;   // for which the last new body has room; 0 while no edit needs one
   };
 
   MIROXGCL_LOCAL static char* allocate(unsigned int length, unsigned int reserve,
