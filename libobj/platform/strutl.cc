@@ -29,14 +29,18 @@ unsigned int character_length(char const* p, unsigned int n) {
   return length;
 }
 
-// Does a character begin at `p`, or the text end there? A valid character begins with a byte that
-// continues none, so what stands up to 3 bytes before decides.
-bool is_boundary(char const* text, char const* p) {
-  if (!is_continuation(*p)) return true;
+// Whether no character that begins before `p`, a continuation byte, reaches over it. At most three
+// preceding bytes decide.
+bool begins_character(char const* text, char const* p) {
   for (unsigned int k = 1; k < longest_character && p != text + (k - 1); ++k) {
     if (character_length(p - k, longest_character) > k) return false;
   }
   return true;
+}
+
+// Whether a character begins at `p`, or the text ends there.
+inline bool is_boundary(char const* text, char const* p) {
+  return !is_continuation(*p) || begins_character(text, p);
 }
 
 // The period of the pattern, when it repeats itself at least twice; otherwise 0. It is the distance
@@ -50,14 +54,9 @@ std::size_t repeating_period(char const* pattern, std::size_t length) {
   return std::memcmp(pattern, again, length - period) == 0 ? period : 0;
 }
 
-// The first occurrence of `pattern` in terminated text. The C library's strstr() is fastest, but some
-// of its versions take time in proportion to the text times the pattern. So a long pattern is left to
-// memmem(), which is linear, over a piece of the text at a time, each twice as long as the last: no
-// more is read than twice what lies before the occurrence.
-char const* find_bytes(char const* from, char const* pattern, std::size_t length) {
-  constexpr std::size_t longest_short_pattern = 64;
-  if (length == 1) return std::strchr(from, pattern[0]);
-  if (length <= longest_short_pattern) return std::strstr(from, pattern);
+// memmem() over a piece of the text at a time, each twice as long as the last: no more is read than
+// twice what lies before the occurrence.
+char const* find_long(char const* from, char const* pattern, std::size_t length) {
   for (std::size_t piece = 4 * length;; piece *= 2) {
     std::size_t const n = strnlen(from, piece);
     auto const* const found = static_cast<char const*>(memmem(from, n, pattern, length));
@@ -66,28 +65,43 @@ char const* find_bytes(char const* from, char const* pattern, std::size_t length
   }
 }
 
-// The first occurrence of `pattern` in `text`, at or after `from`, that is made of whole characters;
-// null if there is none. Only a pattern that is malformed at an end is ever refused.
+// The first occurrence of `pattern` in null-terminated text. The C library's strstr() is fastest, but
+// some of its versions take time in proportion to the text times the pattern; memmem() is linear.
+inline char const* find_bytes(char const* from, char const* pattern, std::size_t length) {
+  constexpr std::size_t longest_short_pattern = 64;
+  if (length > longest_short_pattern) return find_long(from, pattern, length);
+  return length == 1 ? std::strchr(from, pattern[0]) : std::strstr(from, pattern);
+}
+
+inline bool is_whole(char const* text, char const* p, std::size_t length) {
+  return is_boundary(text, p) && is_boundary(text, p + length);
+}
+
+// The occurrences behind one that was refused: see find_whole().
 //
 // Linear: two occurrences either lie at least half the pattern's length apart, which pays for a new
 // search, or one period, which is all that is compared to find the second.
-char const* find_whole(char const* text, char const* from, char const* pattern) {
-  std::size_t const length = std::strlen(pattern);
-  if (length == 0) return nullptr;
-  auto const is_whole = [=](char const* p) {
-    return is_boundary(text, p) && is_boundary(text, p + length);
-  };
-  from = find_bytes(from, pattern, length);
-  if (from == nullptr || is_whole(from)) return from;
+char const* find_next_whole(char const* text, char const* refused, char const* pattern,
+                            std::size_t length) {
   std::size_t const period = repeating_period(pattern, length);
-  for (; from != nullptr; from = find_bytes(from + 1, pattern, length)) {
-    if (is_whole(from)) return from;
-    while (period != 0 && std::strncmp(from + length, from + length - period, period) == 0) {
-      from += period;
-      if (is_whole(from)) return from;
+  for (char const* p = refused; p != nullptr; p = find_bytes(p + 1, pattern, length)) {
+    if (is_whole(text, p, length)) return p;
+    while (period != 0 && std::strncmp(p + length, p + length - period, period) == 0) {
+      p += period;
+      if (is_whole(text, p, length)) return p;
     }
   }
   return nullptr;
+}
+
+// The first occurrence of `pattern` in `text`, at or after `from`, that is made of whole characters;
+// null if there is none. Only a pattern that is malformed at an end is ever refused.
+inline char const* find_whole(char const* text, char const* from, char const* pattern) {
+  std::size_t const length = std::strlen(pattern);
+  if (length == 0) return nullptr;
+  char const* const found = find_bytes(from, pattern, length);
+  if (found == nullptr || is_whole(text, found, length)) return found;
+  return find_next_whole(text, found, pattern, length);
 }
 
 // Where a character of a set stands in the text and in the set; both null for none.
