@@ -91,7 +91,7 @@ TEST(Dates, ThatAreNoneOrTooLateAreRefused) {
       "| |2100-02-29|2026-00-10|2026-13-10|2026-11-00| 2026-11-22|Nov 22|todayx|@|@1x|-5:00|12:60|"
       "2026-11-22.14:05\n|2026-11-22.24:00|2026-11-22.14:05:60|12:5|2147485548-01-01|"
       "Monday, November 22, 2026 14:05:09|4294969322-11-22|@9223372036854775808";
-  for (auto const& text : split(nonsense, "|")) EXPECT_EQ(read(text.c_str()), -77) << text;
+  for (auto const& text : split(GCL_String(nonsense), "|")) EXPECT_EQ(read(text.c_str()), -77) << text;
 }
 
 TEST(Handles, AreBoundedAndStaleCopiesFreeNothing) {

@@ -88,7 +88,7 @@ TEST(Standard, WholeTextOperations) {
   EXPECT_TRUE(split(GCL_String(), "/").Length() == 1 && join(GCL_StringList{}, "/") == "");
   EXPECT_TRUE(starts_with(path, "/usr") && !starts_with(path, "usr") && starts_with(path, ""));
   EXPECT_TRUE(ends_with(path, "lib/") && !ends_with(path, "//usr//lib/") && ends_with(path, ""));
-  EXPECT_TRUE(trim(" \t a b\n") == "a b" && trim(" \n ") == "");
+  EXPECT_TRUE(trim(GCL_String(" \t a b\n")) == "a b" && trim(GCL_String(" \n ")) == "");
   EXPECT_EQ(trim(path).body(), path.body());
   EXPECT_EQ(split(GCL_String(',', 1'000'000), ",").Length(), 1'000'001u);  // in linear time
 }

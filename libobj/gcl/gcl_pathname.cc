@@ -24,7 +24,7 @@ class Buffer {
 };
 
 // Whether the last character of a text that is not empty is `c`. It is the last before a NUL.
-bool ends_with(GCL_String const& s, char c) {
+bool ends_with_character(GCL_String const& s, char c) {
   int index = 0;
   return strutl_find_last_char(s.c_str(), 0, -1, &index) == 0 &&
          s.get_at(static_cast<unsigned int>(index)) == c;
@@ -37,7 +37,7 @@ char const* GCL_Pathname::separator() noexcept { return "/"; }
 GCL_Pathname& GCL_Pathname::append_path(GCL_Pathname const& other) {
   // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): it may be this pathname
   GCL_Pathname const tail(other);
-  bool const needs_separator = length() != 0 && !ends_with(*this, m_seperator_char);
+  bool const needs_separator = length() != 0 && !ends_with_character(*this, m_seperator_char);
   unsigned int const dropped = tail.is_absolute() ? 1 : 0;
   if (needs_separator) append(m_seperator_char);
   try {

@@ -90,7 +90,7 @@ GCL_String& GCL_String::assign(GCL_String const& s, unsigned int n) {
   return assign_bytes(s.c_str(), count_in(s, n));
 }
 
-GCL_String& GCL_String::assign(char const* s, unsigned int n) {
+GCL_String& GCL_String::assign_array(char const* s, unsigned int n) {
   return assign_bytes(s, count_in(s, n));
 }
 
@@ -143,7 +143,7 @@ GCL_String& GCL_String::insert(unsigned int pos, GCL_String const& s, unsigned i
   return do_replace(pos, 0, s.c_str(), count_in(s, n));
 }
 
-GCL_String& GCL_String::insert(unsigned int pos, char const* s, unsigned int n) {
+GCL_String& GCL_String::insert_array(unsigned int pos, char const* s, unsigned int n) {
   require_position(pos, "GCL_String::insert");
   n = count_in(s, n);
   return n == 0 ? *this : do_replace(pos, 0, s, n);
@@ -151,11 +151,11 @@ GCL_String& GCL_String::insert(unsigned int pos, char const* s, unsigned int n) 
 
 GCL_String& GCL_String::replace(unsigned int pos, unsigned int n, GCL_String const& s,
                                 unsigned int slen) {
-  return replace(pos, n, s.c_str(), count_in(s, slen));
+  return replace_array(pos, n, s.c_str(), count_in(s, slen));
 }
 
-GCL_String& GCL_String::replace(unsigned int pos, unsigned int n, char const* s,
-                                unsigned int slen) {
+GCL_String& GCL_String::replace_array(unsigned int pos, unsigned int n, char const* s,
+                                      unsigned int slen) {
   require_position(pos, "GCL_String::replace");
   slen = count_in(s, slen);
   n = clamp(n, pos, length());
@@ -186,6 +186,17 @@ GCL_String const& GCL_String::reserve(unsigned int n) const {
   unsigned int const room = std::max(n, length());
   take_body(room == 0 ? nullptr : GCL_StringRep::make(length(), room, c_str()));
   return *this;
+}
+
+GCL_String GCL_String::concatenate(std::string_view a, std::string_view b) {
+  unsigned int const length = GCL_StringRep::checked_length(std::uint64_t{a.size()} + b.size());
+  GCL_String sum;
+  if (length == 0) return sum.set_rep(nullptr), sum;
+  sum.set_rep(GCL_StringRep::make(0, length, nullptr));
+  copy_bytes(sum.body()->m_buffer, a.data(), a.size());
+  copy_bytes(sum.body()->m_buffer + a.size(), b.data(), b.size());
+  sum.body()->m_length = length;
+  return sum;
 }
 
 // Puts `srclen` bytes from `src` in the place of the `n` bytes at `pos`; every edit comes here.

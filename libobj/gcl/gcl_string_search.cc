@@ -1,5 +1,7 @@
 // Search. The string utility matches whole characters; positions stay here.
 #include <algorithm>
+#include <cstring>
+#include <new>
 #include <string_view>
 
 #include "miroxgcl/gcl_string.h"
@@ -64,41 +66,48 @@ unsigned int clamp_last(unsigned int last, unsigned int length) {
 
 }  // namespace
 
-unsigned int GCL_String::find(GCL_String const& s, unsigned int pos) const {
-  if (pos >= length() || s.length() > length() - pos) return npos;
-  if (s.length() == 0) return pos;
-  return find_text(c_str(), pos, s.c_str());
+gcl_text::Sought::Sought(std::string_view s) : m_text(m_copy), m_length(narrow(s.size())) {
+  char* copy = m_copy;
+  if (s.size() >= sizeof m_copy)
+    m_text = copy = static_cast<char*>(m_heap = ::operator new(s.size() + 1));
+  if (!s.empty()) std::memcpy(copy, s.data(), s.size());
+  copy[s.size()] = '\0';
 }
 
-unsigned int GCL_String::rfind(GCL_String const& s, unsigned int last) const {
+unsigned int GCL_String::find(gcl_text::Sought const& s, unsigned int pos) const {
+  if (pos >= length() || s.length() > length() - pos) return npos;
+  if (s.length() == 0) return pos;
+  return find_text(c_str(), pos, s.text());
+}
+
+unsigned int GCL_String::rfind(gcl_text::Sought const& s, unsigned int last) const {
   if (length() == 0) return npos;
   if (s.length() == 0) return last;
   char const* const text = c_str();
-  char const* const pattern = s.c_str();
   return find_backward(*this, last,
-                       [=](unsigned int from) { return find_text(text, from, pattern); });
+                       [&](unsigned int from) { return find_text(text, from, s.text()); });
 }
 
-unsigned int GCL_String::find_first_of(GCL_String const& set, unsigned int pos) const {
+unsigned int GCL_String::find_first_of(gcl_text::Sought const& set, unsigned int pos) const {
   if (pos >= length()) return npos;
   unsigned int index = 0;
   unsigned int index_in_set = 0;
-  bool const found = strutl_find_char_from(c_str(), pos, set.c_str(), &index, &index_in_set) != 0;
+  bool const found = strutl_find_char_from(c_str(), pos, set.text(), &index, &index_in_set) != 0;
   return found ? index : npos;
 }
 
-unsigned int GCL_String::find_last_of(GCL_String const& set, unsigned int last) const {
+unsigned int GCL_String::find_last_of(gcl_text::Sought const& set, unsigned int last) const {
   last = clamp_last(last, length());
   if (last == npos) return npos;
   return find_backward(*this, last, [&](unsigned int from) { return find_first_of(set, from); });
 }
 
-unsigned int GCL_String::find_first_not_of(GCL_String const& set, unsigned int pos) const {
+unsigned int GCL_String::first_outside(std::string_view set, unsigned int pos) const {
   unsigned int const found = first_bytes(set).skip_held(c_str(), pos, length());
   return found < length() ? found : npos;
 }
 
-unsigned int GCL_String::find_last_not_of(GCL_String const& set, unsigned int last) const {
+unsigned int GCL_String::last_outside(std::string_view set, unsigned int last) const {
   last = clamp_last(last, length());
   if (last == npos) return npos;
   first_bytes const members(set);
@@ -107,4 +116,28 @@ unsigned int GCL_String::find_last_not_of(GCL_String const& set, unsigned int la
     unsigned int const found = members.skip_held(text, from, end);
     return found < end ? found : npos;
   });
+}
+
+unsigned int GCL_String::find(GCL_String const& s, unsigned int pos) const {
+  return find(gcl_text::Sought(s.c_str(), s.length()), pos);
+}
+
+unsigned int GCL_String::rfind(GCL_String const& s, unsigned int last) const {
+  return rfind(gcl_text::Sought(s.c_str(), s.length()), last);
+}
+
+unsigned int GCL_String::find_first_of(GCL_String const& set, unsigned int pos) const {
+  return find_first_of(gcl_text::Sought(set.c_str(), set.length()), pos);
+}
+
+unsigned int GCL_String::find_last_of(GCL_String const& set, unsigned int last) const {
+  return find_last_of(gcl_text::Sought(set.c_str(), set.length()), last);
+}
+
+unsigned int GCL_String::find_first_not_of(GCL_String const& set, unsigned int pos) const {
+  return first_outside(set, pos);
+}
+
+unsigned int GCL_String::find_last_not_of(GCL_String const& set, unsigned int last) const {
+  return last_outside(set, last);
 }

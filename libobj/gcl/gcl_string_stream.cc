@@ -203,6 +203,8 @@ std::ostream& operator<<(std::ostream& os, GCL_String const& s) {
   return s.body() != nullptr ? os.write(s.c_str(), static_cast<std::streamsize>(s.length())) : os;
 }
 
+void PrintTo(GCL_String const& s, std::ostream* os) { *os << '"' << s << '"'; }
+
 std::istream& getline(std::istream& is, GCL_String& s, char delim) {
   GCL_String::Input input(s);
   if (is.good()) {

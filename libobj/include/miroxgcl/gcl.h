@@ -11,6 +11,7 @@
 #include "miroxgcl/gcl_datetime.h"
 #include "miroxgcl/gcl_debug.h"
 #include "miroxgcl/gcl_err_msg_stack.h"
+#include "miroxgcl/gcl_format.h"
 #include "miroxgcl/gcl_handle.h"
 #include "miroxgcl/gcl_handle_base.h"
 #include "miroxgcl/gcl_imsg_collector.h"

@@ -31,6 +31,20 @@ class MIROXGCL_API GCL_DateTime : public LX_CTime {
   GCL_String short_date_time() const;        // 11/22/26 14:05
   GCL_String long_date_time() const;         // Sunday, November 22, 2026 14:05:09
 
+  // As the times themselves compare.
+  friend bool operator==(GCL_DateTime const& a, GCL_DateTime const& b) noexcept {
+    return a.time() == b.time();
+  }
+  friend bool operator!=(GCL_DateTime const& a, GCL_DateTime const& b) noexcept {
+    return !(a == b);
+  }
+  friend bool operator<(GCL_DateTime const& a, GCL_DateTime const& b) noexcept {
+    return a.time() < b.time();
+  }
+  friend bool operator>(GCL_DateTime const& a, GCL_DateTime const& b) noexcept { return b < a; }
+  friend bool operator<=(GCL_DateTime const& a, GCL_DateTime const& b) noexcept { return !(b < a); }
+  friend bool operator>=(GCL_DateTime const& a, GCL_DateTime const& b) noexcept { return !(a < b); }
+
  private:
   MIROXGCL_LOCAL GCL_String format(char const* (*layout)(long)) const;
 };

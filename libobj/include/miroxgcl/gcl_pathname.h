@@ -11,6 +11,14 @@ class MIROXGCL_API GCL_Pathname : public GCL_String {
  public:
   GCL_Pathname() noexcept = default;
   GCL_Pathname(GCL_String const& s) : GCL_String(s) {}  // NOLINT(google-explicit-constructor)
+  // Copies a text: a `char const*`, a std::string_view or a std::string.
+  template <class Text, gcl_text::IfText<Text> = 0>
+  explicit GCL_Pathname(Text const& s) : GCL_String(s) {}
+  template <class Text, gcl_text::IfText<Text> = 0>
+  GCL_Pathname& operator=(Text const& s) {
+    GCL_String::operator=(s);
+    return *this;
+  }
 
   // "/".
   static char const* separator() noexcept;
@@ -24,6 +32,19 @@ class MIROXGCL_API GCL_Pathname : public GCL_String {
   // with "/b" becomes "b". `other` may be this object. When memory is lacking, throws and leaves the
   // value as it was.
   GCL_Pathname& append_path(GCL_Pathname const& other);
+  // The same for a text.
+  template <class Text, gcl_text::IfText<Text> = 0>
+  GCL_Pathname& append_path(Text const& other) {
+    return append_path(GCL_Pathname(other));
+  }
+  template <class Other>
+  GCL_Pathname& operator/=(Other const& other) {
+    return append_path(other);
+  }
+  template <class Other>
+  friend GCL_Pathname operator/(GCL_Pathname path, Other const& other) {
+    return path.append_path(other);
+  }
 
   // The absolute form: the current directory in front, `.`, `..` and doubled separators resolved by
   // the text alone.
@@ -41,5 +62,8 @@ class MIROXGCL_API GCL_Pathname : public GCL_String {
   static constexpr char m_seperator_char = '/';
   static GCL_String m_seperator;
 };
+
+template <>
+struct std::hash<GCL_Pathname> : std::hash<GCL_String> {};
 
 #endif

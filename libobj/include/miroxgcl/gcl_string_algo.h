@@ -1,25 +1,44 @@
-// What programs do with whole texts: trim, split, join, look at their ends.
+/// @file
+/// What programs do with whole texts: trim, split, join, look at their ends.
+///
+/// Each takes a GCL_String first, or a list of them; for literals it is not even considered, so that
+/// it gets in the way of no function of the same name that a program has itself.
 #ifndef MIROXGCL_GCL_STRING_ALGO_H
 #define MIROXGCL_GCL_STRING_ALGO_H
 
 #include <string_view>
+#include <type_traits>
 
 #include "miroxgcl/gcl_config.h"
 #include "miroxgcl/gcl_string.h"
 #include "miroxgcl/gcl_string_list.h"
 
-inline bool starts_with(GCL_String const& s, std::string_view prefix) noexcept {
-  return std::string_view(s).substr(0, prefix.size()) == prefix;
+/// @cond
+template <class T>
+using GCL_IfString = std::enable_if_t<std::is_base_of_v<GCL_String, T>, int>;
+template <class T>
+using GCL_IfStringList = std::enable_if_t<std::is_base_of_v<DRL_ListBase<GCL_String>, T>, int>;
+/// @endcond
+
+/// Whether `s` begins with `prefix`.
+/// @ingroup strings
+template <class String, GCL_IfString<String> = 0>
+bool starts_with(String const& s, std::string_view prefix) noexcept {
+  return s.starts_with(prefix);
 }
 
-inline bool ends_with(GCL_String const& s, std::string_view suffix) noexcept {
-  std::string_view const text = s;
-  return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+/// Whether `s` ends with `suffix`.
+/// @ingroup strings
+template <class String, GCL_IfString<String> = 0>
+bool ends_with(String const& s, std::string_view suffix) noexcept {
+  return s.ends_with(suffix);
 }
 
-// The text without the bytes of `blanks` at both ends; shares the body when there are none. The
-// default is the whitespace of the C locale.
-inline GCL_String trim(GCL_String const& s, std::string_view blanks = " \t\n\v\f\r") {
+/// The text without the bytes of `blanks` at both ends; shares the body when there are none. The
+/// default is the whitespace of the C locale.
+/// @ingroup strings
+template <class String, GCL_IfString<String> = 0>
+GCL_String trim(String const& s, std::string_view blanks = " \t\n\v\f\r") {
   std::string_view const text = s;
   std::size_t const first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return GCL_String();
@@ -28,9 +47,11 @@ inline GCL_String trim(GCL_String const& s, std::string_view blanks = " \t\n\v\f
   return GCL_String(text.substr(first, last - first + 1));
 }
 
-// The pieces between the places where `separator` stands, empty ones too: one more than there are
-// such places. An empty separator stands nowhere.
-inline GCL_StringList split(GCL_String const& s, std::string_view separator) {
+/// The pieces between the occurrences of `separator`, empty ones too: one more than it occurs. An
+/// empty separator never matches. Linear.
+/// @ingroup strings
+template <class String, GCL_IfString<String> = 0>
+GCL_StringList split(String const& s, std::string_view separator) {
   GCL_StringList pieces(32);
   unsigned int room = 32;
   std::string_view rest = s;
@@ -45,9 +66,11 @@ inline GCL_StringList split(GCL_String const& s, std::string_view separator) {
   return pieces;
 }
 
-// The items one after the other, `separator` between them; split() takes the result apart again
-// when no item holds the separator. The empty list gives the empty text.
-inline GCL_String join(GCL_StringList const& items, GCL_String const& separator) {
+/// The items one after the other, `separator` between them; split() takes the result apart again
+/// when no item holds the separator. The empty list gives the empty text.
+/// @ingroup strings
+template <class List, GCL_IfStringList<List> = 0>
+GCL_String join(List const& items, std::string_view separator) {
   GCL_String text;
   for (GCL_String const& item : items) {
     if (&item != &items.First()) text.append(separator);

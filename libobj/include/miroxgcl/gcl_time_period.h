@@ -3,6 +3,7 @@
 #define MIROXGCL_GCL_TIME_PERIOD_H
 
 #include <cstdint>
+#include <type_traits>
 
 #include "miroxgcl/gcl_datetime.h"
 
@@ -10,6 +11,12 @@
 // A duration is in the duration service's unit, seconds; it can also be set and read as days.
 // 4294967295 is a marker, not a duration; as days it is 4294967296, exactly.
 class MIROXGCL_API GCL_TimePeriod {
+  template <class N>
+  using IfOther =
+      std::enable_if_t<std::is_arithmetic_v<N> && !std::is_same_v<N, bool> &&
+                           !std::is_same_v<N, unsigned int> && !std::is_same_v<N, float>,
+                       int>;
+
  public:
   // No begin, no end, and the marker.
   GCL_TimePeriod() noexcept : m_duration(marker) {}
@@ -17,6 +24,10 @@ class MIROXGCL_API GCL_TimePeriod {
       : m_begin(begin), m_end(end), m_duration(duration) {}
   GCL_TimePeriod(GCL_DateTime const& begin, GCL_DateTime const& end, float days)
       : m_begin(begin), m_end(end), m_duration(from_days(days)) {}
+  // A duration of another type: an integer is in seconds, a floating-point number in days.
+  template <class N, IfOther<N> = 0>
+  GCL_TimePeriod(GCL_DateTime const& begin, GCL_DateTime const& end, N duration)
+      : GCL_TimePeriod(begin, end, as_duration(duration)) {}
 
   GCL_DateTime const& begin() const noexcept { return m_begin; }
   GCL_DateTime const& end() const noexcept { return m_end; }
@@ -31,10 +42,37 @@ class MIROXGCL_API GCL_TimePeriod {
   void duration(float& days) const;
   void set_duration(float days) { m_duration = from_days(days); }
 
+  // Sets the duration from a number of another type: an integer is in seconds and kept within 0 to
+  // 4294967295, a floating-point number in days.
+  template <class N, IfOther<N> = 0>
+  void set_duration(N duration) {
+    set_duration(as_duration(duration));
+  }
+
+  // Two periods are equal when all three are. They are ordered by begin, then end, then duration.
+  friend bool operator==(GCL_TimePeriod const& a, GCL_TimePeriod const& b) noexcept {
+    return a.m_begin == b.m_begin && a.m_end == b.m_end && a.m_duration == b.m_duration;
+  }
+  friend bool operator!=(GCL_TimePeriod const& a, GCL_TimePeriod const& b) noexcept {
+    return !(a == b);
+  }
+  friend bool operator<(GCL_TimePeriod const& a, GCL_TimePeriod const& b) noexcept {
+    if (a.m_begin != b.m_begin) return a.m_begin < b.m_begin;
+    return a.m_end != b.m_end ? a.m_end < b.m_end : a.m_duration < b.m_duration;
+  }
+
  private:
   static constexpr std::uint32_t marker = 4294967295u;
   static constexpr float marker_days = 4294967296.0f;
   static std::uint32_t from_days(float days);
+  template <class N>
+  static auto as_duration(N duration) noexcept {
+    if constexpr (std::is_floating_point_v<N>) {
+      return static_cast<float>(duration);
+    } else {
+      return duration > N{0} ? gcl_text::narrow(duration) : 0u;
+    }
+  }
 
   GCL_DateTime m_begin;
   GCL_DateTime m_end;
