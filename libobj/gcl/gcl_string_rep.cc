@@ -1,6 +1,7 @@
 #include "miroxgcl/gcl_string_rep.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -30,24 +31,35 @@ unsigned int GCL_StringRep::capacity_for(unsigned int n) {
 }
 
 // Checks the length first: near 2^32 the room for its terminator would wrap to 0.
-char* GCL_StringRep::allocate(unsigned int length, unsigned int reserve, unsigned int* capacity) {
-  *capacity = capacity_for(reserve > length ? reserve : checked_length(length) + 1);
-  return static_cast<char*>(::operator new(*capacity));
+unsigned int GCL_StringRep::capacity_of(unsigned int length, unsigned int reserve) {
+  return capacity_for(reserve > length ? reserve : checked_length(length) + 1);
 }
 
 GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int reserve, char const* text)
-    : m_length(length), m_capacity(0), m_buffer(allocate(length, reserve, &m_capacity)) {
+    : m_length(length),
+      m_capacity(capacity_of(length, reserve)),
+      m_buffer(static_cast<char*>(::operator new(m_capacity))) {
   if (text != nullptr) std::memcpy(m_buffer, text, length);
 }
 
+GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int capacity) noexcept
+    : m_length(length), m_capacity(capacity), m_buffer(following_bytes()) {}
+
 GCL_StringRep* GCL_StringRep::make(unsigned int length, unsigned int reserve, char const* text) {
-  return new GCL_StringRep(length, reserve, text);
+  unsigned int const capacity = capacity_of(length, reserve);
+  if (capacity > PTRDIFF_MAX - sizeof(GCL_StringRep)) throw std::bad_alloc();
+  void* const block = ::operator new(sizeof(GCL_StringRep) + capacity);
+  auto* const rep = ::new (block) GCL_StringRep(length, capacity);
+  if (text != nullptr) std::memcpy(rep->m_buffer, text, length);
+  return rep;
 }
 
-GCL_StringRep::GCL_StringRep(char (&null_buffer)[null_capacity]) noexcept
-    : m_length(0), m_capacity(null_capacity), m_buffer(null_buffer) {}
+GCL_StringRep::~GCL_StringRep() {
+  if (m_buffer != following_bytes()) ::operator delete(m_buffer);
+}
 
-GCL_StringRep::~GCL_StringRep() { ::operator delete(m_buffer); }
+void* GCL_StringRep::operator new(std::size_t n) { return ::operator new(n); }
+void GCL_StringRep::operator delete(void* p) noexcept { ::operator delete(p); }
 
 bool GCL_StringRep::is_null() const { return m_length == 0; }
 
@@ -111,9 +123,8 @@ unsigned int GCL_StringRep::hash_fold_case() const {
 // Static memory that nothing destroys: strings of other static objects may share the body for as
 // long as the process lives.
 void GCL_StringRep::build_null_instance() noexcept {
-  alignas(GCL_StringRep) static unsigned char place[sizeof(GCL_StringRep)];
-  static char buffer[null_capacity];
-  m_null_instance = new (place) GCL_StringRep(buffer);
+  alignas(GCL_StringRep) static unsigned char block[sizeof(GCL_StringRep) + null_capacity];
+  m_null_instance = ::new (static_cast<void*>(block)) GCL_StringRep(0, null_capacity);
   m_null_instance->reference();
 }
 

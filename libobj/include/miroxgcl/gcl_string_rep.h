@@ -4,6 +4,8 @@
 #ifndef MIROXGCL_GCL_STRING_REP_H
 #define MIROXGCL_GCL_STRING_REP_H
 
+#include <cstddef>
+
 #include "miroxgcl/gcl_body.h"
 
 // Invariants:
@@ -46,13 +48,20 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
     return m_null_instance;
   }
 
+  // The size of a body in memory is not known from its class: strings make it one block with its
+  // buffer.
+  static void* operator new(std::size_t n);
+  static void operator delete(void* p) noexcept;
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void*, void*) noexcept {}
+
   // `length` as a body has it. Throws std::bad_array_new_length when it exceeds max_length.
   static unsigned int checked_length(std::uint64_t length);
 
  private:
   friend class GCL_String;
 
-  // As new GCL_StringRep(...), in one call.
+  // As new GCL_StringRep(...), but body and buffer are one block: the buffer follows the body.
   MIROXGCL_LOCAL static GCL_StringRep* make(unsigned int length, unsigned int reserve,
                                             char const* text);
 
@@ -77,10 +86,11 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
     unsigned int reserve;   // for which the last new body has room; 0 while no edit needs one
   };
 
-  MIROXGCL_LOCAL static char* allocate(unsigned int length, unsigned int reserve,
-                                       unsigned int* capacity);
+  MIROXGCL_LOCAL static unsigned int capacity_of(unsigned int length, unsigned int reserve);
   static void build_null_instance() noexcept;
-  MIROXGCL_LOCAL explicit GCL_StringRep(char (&null_buffer)[null_capacity]) noexcept;
+  // A body whose buffer of that capacity follows it in memory.
+  MIROXGCL_LOCAL GCL_StringRep(unsigned int length, unsigned int capacity) noexcept;
+  MIROXGCL_LOCAL char* following_bytes() { return reinterpret_cast<char*>(this + 1); }
 
   unsigned int m_length;
   unsigned int m_capacity;
