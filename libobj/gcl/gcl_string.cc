@@ -102,7 +102,7 @@ GCL_String& GCL_String::assign_bytes(char const* s, unsigned int n) {
     set_rep(nullptr);
   } else if (may_change_in_place(n)) {
     std::memmove(body()->m_buffer, s, n);
-    body()->m_length = n;
+    body()->set_length(n);
   } else {
     set_rep(GCL_StringRep::make(n, 0, s));
   }
@@ -127,7 +127,7 @@ GCL_String& GCL_String::append_bytes(char const* s, unsigned int n) {
     return do_replace(length, 0, s, n);
   }
   std::memmove(body()->m_buffer + length, s, n);
-  body()->m_length = length + n;
+  body()->set_length(length + n);
   return *this;
 }
 
@@ -195,7 +195,7 @@ GCL_String GCL_String::concatenate(std::string_view a, std::string_view b) {
   sum.set_rep(GCL_StringRep::make(0, length, nullptr));
   copy_bytes(sum.body()->m_buffer, a.data(), a.size());
   copy_bytes(sum.body()->m_buffer + a.size(), b.data(), b.size());
-  sum.body()->m_length = length;
+  sum.body()->set_length(length);
   return sum;
 }
 
@@ -218,7 +218,7 @@ GCL_String& GCL_String::do_replace(unsigned int pos, unsigned int n, char const*
   if (may_change_in_place(newlen)) {
     if (own_text) return replace(pos, n, GCL_String(src, srclen));
     std::memmove(rep->m_buffer + pos + srclen, rep->m_buffer + pos + n, tail);
-    rep->m_length = newlen;
+    rep->set_length(newlen);
     copy_bytes(rep->m_buffer + pos, src, srclen);
     return *this;
   }
@@ -229,6 +229,6 @@ GCL_String& GCL_String::do_replace(unsigned int pos, unsigned int n, char const*
     copy_bytes(fresh->m_buffer + pos + srclen, rep->m_buffer + pos + n, tail);
   }
   copy_bytes(fresh->m_buffer + pos, src, srclen);
-  fresh->m_length = newlen;
+  fresh->set_length(newlen);
   return set_rep(fresh), *this;
 }

@@ -111,7 +111,7 @@ GCL_String& GCL_String::convert_line_ends(bool to_pc) {
   }
   forecast.add_appends(1, change.added);
   apply(change, forecast.reserve);
-  body()->m_length = newlen;
+  body()->set_length(newlen);
   return *this;
 }
 
@@ -139,6 +139,6 @@ GCL_String& GCL_String::remove_formatting() {
   auto* const rep = GCL_StringRep::make(length() + 1, 1, nullptr);
   stripped.set_rep(rep);
   imsg_strip_style_chars(rep->m_buffer, c_str());
-  rep->m_length = static_cast<unsigned int>(std::strlen(rep->m_buffer));
+  rep->set_length(static_cast<unsigned int>(std::strlen(rep->m_buffer)));
   return *this = std::move(stripped);
 }

@@ -40,10 +40,13 @@ GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int reserve, char con
       m_capacity(capacity_of(length, reserve)),
       m_buffer(static_cast<char*>(::operator new(m_capacity))) {
   if (text != nullptr) std::memcpy(m_buffer, text, length);
+  set_length(length);
 }
 
 GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int capacity) noexcept
-    : m_length(length), m_capacity(capacity), m_buffer(following_bytes()) {}
+    : m_length(length), m_capacity(capacity), m_buffer(following_bytes()) {
+  set_length(length);
+}
 
 GCL_StringRep* GCL_StringRep::make(unsigned int length, unsigned int reserve, char const* text) {
   unsigned int const capacity = capacity_of(length, reserve);
@@ -111,7 +114,7 @@ unsigned int GCL_StringRep::hash() const {
 unsigned int GCL_StringRep::hash_fold_case() const {
   if (m_length == 0) return 0;
   auto const folded = std::make_unique<char[]>(m_length + 1u);
-  m_buffer[m_length] = '\0';
+  if (m_buffer[m_length] != '\0') m_buffer[m_length] = '\0';
   strutl_cvt_case_string(m_buffer, to_lower_case, m_length + 1, folded.get());
   unsigned int h = m_length;
   for (unsigned int i = 0; i < m_length && folded[i] != '\0'; ++i) {
@@ -121,11 +124,16 @@ unsigned int GCL_StringRep::hash_fold_case() const {
 }
 
 // Static memory that nothing destroys: strings of other static objects may share the body for as
-// long as the process lives.
-void GCL_StringRep::build_null_instance() noexcept {
+// long as the process lives. Only the first thread to come builds it.
+GCL_StringRep* GCL_StringRep::build_null_instance() noexcept {
   alignas(GCL_StringRep) static unsigned char block[sizeof(GCL_StringRep) + null_capacity];
-  m_null_instance = ::new (static_cast<void*>(block)) GCL_StringRep(0, null_capacity);
-  m_null_instance->reference();
+  static GCL_StringRep* const rep = [] {
+    auto* const built = ::new (static_cast<void*>(block)) GCL_StringRep(0, null_capacity);
+    built->reference();
+    return built;
+  }();
+  __atomic_store_n(&m_null_instance, rep, __ATOMIC_RELEASE);
+  return rep;
 }
 
 unsigned int GCL_StringRep::checked_length(std::uint64_t length) {

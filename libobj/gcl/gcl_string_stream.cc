@@ -176,7 +176,7 @@ GCL_String GCL_String::with_body(unsigned int reserve, GCL_String& spare) {
   bool const fits = result.may_change_in_place(0) &&
                     result.body()->m_capacity == GCL_StringRep::capacity_for(reserve);
   if (!fits) result.set_rep(GCL_StringRep::make(0, reserve, nullptr));
-  result.body()->m_length = 0;
+  result.body()->set_length(0);
   return result;
 }
 
@@ -196,7 +196,7 @@ void GCL_String::append_in_chunks(char const* data, unsigned int n, GCL_String& 
     *this = std::move(fresh);
   }
   std::memcpy(body()->m_buffer + old_length, data, n);
-  body()->m_length = new_length;
+  body()->set_length(new_length);
 }
 
 std::ostream& operator<<(std::ostream& os, GCL_String const& s) {

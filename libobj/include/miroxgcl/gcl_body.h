@@ -6,7 +6,8 @@
 //   b = nullptr;                               // 1
 //   }                                          // 0: the last handle's end deletes the Blob
 //
-// Counts are plain integers: all handles of a body belong to one thread at a time.
+// As safe as the standard library's values: handles on one body may be used in different threads.
+// Counts are plain integers until the process has a second thread, and changed atomically from then on.
 #ifndef MIROXGCL_GCL_BODY_H
 #define MIROXGCL_GCL_BODY_H
 
@@ -14,6 +15,7 @@
 #include <iosfwd>
 
 #include "miroxgcl/gcl_config.h"
+#include "miroxgcl/gcl_threads.h"
 
 // Always allocated singly on the heap, since the last unreference() deletes it; a body that no
 // handle has taken yet is deleted by its creator. Not copyable: handles share it instead.
@@ -25,15 +27,15 @@ class MIROXGCL_API GCL_Body {
   virtual ~GCL_Body();
 
   // Adds one to the count.
-  virtual void reference() { ++m_reference_count; }
+  virtual void reference() { gcl_threads::increment(m_reference_count); }
 
   // Takes one from the count; at 0 the body deletes itself. REQUIRES: reference_count() > 0.
   virtual void unreference() {
-    if (--m_reference_count == 0) delete this;
+    if (gcl_threads::decrement(m_reference_count)) delete this;
   }
 
   // The number of handles that share the body; 0 before the first takes it.
-  virtual unsigned int reference_count() const { return m_reference_count; }
+  virtual unsigned int reference_count() const { return gcl_threads::read(m_reference_count); }
 
   // Whether the body stands for no value. Here: always.
   virtual bool is_null() const;
@@ -44,6 +46,10 @@ class MIROXGCL_API GCL_Body {
 
   // Writes the current indentation, "Reference Count: ", the count and a line feed to `os`.
   virtual std::ostream& insert(std::ostream& os) const;
+
+ protected:
+  // For a body that is never freed: once there are threads, its count is not changed any more.
+  void make_immortal() noexcept { gcl_threads::make_immortal(m_reference_count); }
 
  private:
   std::uint32_t m_reference_count;

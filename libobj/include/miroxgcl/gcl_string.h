@@ -43,9 +43,9 @@ extern template class MIROXGCL_API GCL_Handle<GCL_StringRep>;
 /// An argument may be the string itself or point into its text, the terminating NUL included; it is
 /// used as if copied first. See gcl_text_arguments.h for what texts, characters and numbers are.
 ///
-/// Strings that share no body may be used in different threads, once the first has been made. Those
-/// that share one belong to one thread at a time: counts are plain, and even constant operations
-/// write the terminating NUL behind the text.
+/// As safe as the standard library's values: any number of threads may read one string, and
+/// different strings may be used in any way in different threads, also when they share a body.
+/// reserve() counts as an edit.
 /// @ingroup strings
 class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
  public:
@@ -252,8 +252,12 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   }
   /// Adds `count` times the byte `c`.
   GCL_String& append(char c, unsigned int count = 1) {
-    if (count != 1 || !may_change_in_place(length() + 1)) return append_slow_path(c, count);
-    body()->m_buffer[body()->m_length++] = c;
+    unsigned int const length = this->length();
+    if (count != 1 || !may_change_in_place(length + 1)) return append_slow_path(c, count);
+    char* const end = body()->m_buffer + length;
+    end[0] = c;
+    end[1] = '\0';
+    body()->m_length = length + 1;
     return *this;
   }
   /// The same for an `unsigned char`.

@@ -9,7 +9,8 @@
 #include "miroxgcl/gcl_body.h"
 
 // Invariants:
-//   1. m_length < m_capacity, so the byte after the text exists; the body does not keep it NUL.
+//   1. m_length < m_capacity, so the byte after the text exists. The library keeps it NUL, so that
+//      reading the text writes nothing.
 //   2. m_capacity never changes: a body that is too small is replaced, not enlarged.
 //   3. m_length changes only while one handle holds the body.
 class MIROXGCL_API GCL_StringRep final : public GCL_Body {
@@ -42,10 +43,13 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
   unsigned int hash_fold_case() const;
 
   // The empty body that default-constructed strings share. It is never freed and never changed;
-  // the first call builds it, in memory of the library's own. Does not touch its count.
+  // the first call, from whatever thread, builds it in memory of the library's own. Does not touch its
+  // count, unless there are threads: then it is made so high that it need not be changed any more.
   static GCL_StringRep* null_instance() noexcept {
-    if (m_null_instance == nullptr) build_null_instance();
-    return m_null_instance;
+    GCL_StringRep* const rep = __atomic_load_n(&m_null_instance, __ATOMIC_ACQUIRE);
+    if (rep == nullptr) return build_null_instance();
+    rep->make_immortal();
+    return rep;
   }
 
   // The size of a body in memory is not known from its class: strings make it one block with its
@@ -87,10 +91,16 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
   };
 
   MIROXGCL_LOCAL static unsigned int capacity_of(unsigned int length, unsigned int reserve);
-  static void build_null_instance() noexcept;
+  static GCL_StringRep* build_null_instance() noexcept;
   // A body whose buffer of that capacity follows it in memory.
   MIROXGCL_LOCAL GCL_StringRep(unsigned int length, unsigned int capacity) noexcept;
   MIROXGCL_LOCAL char* following_bytes() { return reinterpret_cast<char*>(this + 1); }
+
+  // Changes the length, and writes the terminator behind the text.
+  void set_length(unsigned int length) noexcept {
+    m_length = length;
+    m_buffer[length] = '\0';
+  }
 
   unsigned int m_length;
   unsigned int m_capacity;
