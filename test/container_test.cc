@@ -202,7 +202,7 @@ TEST(Containers, ViolationsAreDescribed) {
       ADD_FAILURE() << description;
     } catch (LX_XException const& e) {
       EXPECT_EQ(std::string(e.kind()) + ' ' + e.location(), description);
-      EXPECT_STREQ(e.what(), reason);
+      EXPECT_EQ(e.what(), e.location() + std::string(": ") + reason);
     }
   };
   expect("Range_Error LX_TDynamic::Insert", LX_kInvalidIndex, [&] { a.Insert(1, 2); });

@@ -7,7 +7,9 @@
 #define MIROXGCL_DRL_LIST_BASE_H
 
 #include <initializer_list>
+#include <iterator>
 #include <memory>
+#include <utility>
 
 #include "miroxgcl/gcl_handle_base.h"
 #include "miroxgcl/lx_dynamic.h"
@@ -35,12 +37,26 @@ class MIROXGCL_API DRL_ListBase {
     if (&other != this) m_collection.reset(new Collection(other.Items()));
     return *this;
   }
-  DRL_ListBase& operator=(DRL_ListBase&& other) noexcept = default;
+  // One of this list's items may own the other list.
+  DRL_ListBase& operator=(DRL_ListBase&& other) noexcept {
+    std::unique_ptr<Collection> taken = std::move(other.m_collection);
+    m_collection.swap(taken);
+    return *this;
+  }
   ~DRL_ListBase() = default;
 
   DRL_ListBase(std::initializer_list<T> items) : DRL_ListBase(0) {
     Preallocate(static_cast<unsigned int>(items.size()));
     for (T const& item : items) Append(item);
+  }
+
+  // Takes the items; the chunk size stays.
+  DRL_ListBase& operator=(std::initializer_list<T> items) {
+    Collection fresh(ChunkSize());
+    fresh.Preallocate(static_cast<unsigned int>(items.size()));
+    for (T const& item : items) fresh.Append(item);
+    Items() = std::move(fresh);
+    return *this;
   }
 
   int operator==(DRL_ListBase const& other) const {
@@ -87,6 +103,30 @@ class MIROXGCL_API DRL_ListBase {
   iterator end() { return {*this, Length()}; }
   const_iterator begin() const { return {*this, 0}; }
   const_iterator end() const { return {*this, Length()}; }
+  const_iterator cbegin() const { return begin(); }
+  const_iterator cend() const { return end(); }
+  std::reverse_iterator<iterator> rbegin() { return std::reverse_iterator<iterator>(end()); }
+  std::reverse_iterator<iterator> rend() { return std::reverse_iterator<iterator>(begin()); }
+  std::reverse_iterator<const_iterator> rbegin() const {
+    return std::reverse_iterator<const_iterator>(end());
+  }
+  std::reverse_iterator<const_iterator> rend() const {
+    return std::reverse_iterator<const_iterator>(begin());
+  }
+
+  // The standard library's names for Length, IsEmpty, Append, First, Last and Clear.
+  using size_type = unsigned int;
+  using difference_type = std::ptrdiff_t;
+  using reference = T&;
+  using const_reference = T const&;
+  unsigned int size() const { return Length(); }
+  [[nodiscard]] bool empty() const { return Length() == 0; }
+  void push_back(T const& item) { Append(item); }
+  T& front() { return First(); }
+  T const& front() const { return First(); }
+  T& back() { return Last(); }
+  T const& back() const { return Last(); }
+  void clear() { Clear(); }
 
  private:
   static_assert(sizeof(T) == sizeof(GCL_HandleBase), "a handle with no field of its own");
@@ -106,11 +146,9 @@ class MIROXGCL_API DRL_ListBaseActiveIterator {
  public:
   explicit DRL_ListBaseActiveIterator(DRL_ListBase<T> const& list) : m_list(list) { Reset(); }
 
-  void Reset() { m_index = m_list.Length() != 0 ? 0 : -1; }
+  void Reset() { m_index = LX_FirstIndex(m_list.Length()); }
 
-  int IsDone() const {
-    return m_index < 0 || static_cast<unsigned int>(m_index) >= m_list.Length();
-  }
+  int IsDone() const { return m_index < 0 || LX_IsBeyond(m_index, m_list.Length()); }
 
   // Moves on; 1 when there is a current item then.
   int Next() {

@@ -33,6 +33,10 @@ class MIROXGCL_API GCL_IntegerList : public LX_TDynamicCollection<int, LX_CUnman
   // Take the items; this list keeps its own chunk size.
   GCL_IntegerList& operator=(GCL_IntegerList const& other);
   GCL_IntegerList& operator=(GCL_IntegerList&& other) noexcept = default;
+  GCL_IntegerList& operator=(std::initializer_list<int> items) {
+    Base::operator=(items);
+    return *this;
+  }
   using Base::operator=;
 };
 

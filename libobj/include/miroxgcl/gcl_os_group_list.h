@@ -30,6 +30,10 @@ class MIROXGCL_API GCL_OSGroupList : public LX_TDynamicCollection<GCL_OSGroup, L
   GCL_OSGroupList& operator=(Base const& other) override;
   virtual GCL_OSGroupList& operator=(GCL_OSGroupList const& other);
   GCL_OSGroupList& operator=(GCL_OSGroupList&& other) noexcept = default;
+  GCL_OSGroupList& operator=(std::initializer_list<GCL_OSGroup> items) {
+    Base::operator=(items);
+    return *this;
+  }
 };
 
 #endif

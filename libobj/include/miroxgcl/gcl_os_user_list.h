@@ -30,6 +30,10 @@ class MIROXGCL_API GCL_OSUserList : public LX_TDynamicCollection<GCL_OSUser, LX_
   GCL_OSUserList& operator=(Base const& other) override;
   virtual GCL_OSUserList& operator=(GCL_OSUserList const& other);
   GCL_OSUserList& operator=(GCL_OSUserList&& other) noexcept = default;
+  GCL_OSUserList& operator=(std::initializer_list<GCL_OSUser> items) {
+    Base::operator=(items);
+    return *this;
+  }
 
   // An empty list for all to share; nothing is ever put in it. It is built when the library is
   // loaded, before the static objects of what links with the library, and goes after them: their

@@ -18,6 +18,12 @@ class MIROXGCL_API GCL_StringList : public DRL_ListBase<GCL_String> {
   explicit GCL_StringList(int chunk_size) : DRL_ListBase<GCL_String>(chunk_size) {}
   GCL_StringList(std::initializer_list<GCL_String> items) : DRL_ListBase<GCL_String>(items) {}
 
+  // Takes the strings; the chunk size stays.
+  GCL_StringList& operator=(std::initializer_list<GCL_String> items) {
+    DRL_ListBase<GCL_String>::operator=(items);
+    return *this;
+  }
+
   // An empty list for all to share; nothing is ever put in it. It is built when the library is
   // loaded, before the static objects of what links with the library, and goes after them: their
   // constructors and destructors may use it.

@@ -1,11 +1,15 @@
 // LX_TCollection<T>: the interface of every indexed, ordered collection, and the iterator over it.
 //
 // Indices count from 0 and are unsigned; truth values are int, 1 and 0. Items are held by value; a
-// reference that a collection hands out stands until the next operation that changes it.
+// reference that a collection hands out stays valid until the next operation that changes it.
 //
 //   for (LX_TCollectionActiveIterator<int> i(list); !i.IsDone(); i.Next()) use(*i.CurrentItem());
 #ifndef MIROXGCL_LX_COLLECTION_H
 #define MIROXGCL_LX_COLLECTION_H
+
+#include <deque>
+#include <iterator>
+#include <type_traits>
 
 #include "miroxgcl/gcl_config.h"
 #include "miroxgcl/lx_iterator.h"
@@ -18,8 +22,8 @@ class MIROXGCL_API LX_TCollection {
   LX_TCollection(LX_TCollection const&) = default;
   virtual ~LX_TCollection() = default;
 
-  // Gives this collection the items of `other`, whatever its class, in order. When copying an item
-  // throws, this collection is left empty.
+  // Gives this collection the items of `other`, whatever its class, in order; `other` may belong to
+  // one of this collection's own items. When copying an item throws, this collection is left empty.
   virtual LX_TCollection& operator=(LX_TCollection const& other);
 
   // 1 when both hold the same number of items, equal in order.
@@ -60,6 +64,35 @@ class MIROXGCL_API LX_TCollection {
   iterator end() { return {*this, Length()}; }
   const_iterator begin() const { return {*this, 0}; }
   const_iterator end() const { return {*this, Length()}; }
+  const_iterator cbegin() const { return begin(); }
+  const_iterator cend() const { return end(); }
+  std::reverse_iterator<iterator> rbegin() { return std::reverse_iterator<iterator>(end()); }
+  std::reverse_iterator<iterator> rend() { return std::reverse_iterator<iterator>(begin()); }
+  std::reverse_iterator<const_iterator> rbegin() const {
+    return std::reverse_iterator<const_iterator>(end());
+  }
+  std::reverse_iterator<const_iterator> rend() const {
+    return std::reverse_iterator<const_iterator>(begin());
+  }
+
+  // The standard library's names for Length, IsEmpty, Append, First, Last and Clear.
+  using size_type = unsigned int;
+  using difference_type = std::ptrdiff_t;
+  using reference = T&;
+  using const_reference = T const&;
+  unsigned int size() const { return Length(); }
+  [[nodiscard]] bool empty() const { return Length() == 0; }
+  void push_back(T const& item) { Append(item); }
+  T& front() { return First(); }
+  T const& front() const { return First(); }
+  T& back() { return Last(); }
+  T const& back() const { return Last(); }
+  void clear() { Clear(); }
+
+ protected:
+  // Assignment, with `prepare(n)` called once this collection is empty and before `n` items come.
+  template <class Prepare>
+  void Assign(LX_TCollection const& other, Prepare prepare);
 };
 
 // Walks a collection through its virtual interface, asking it anew at every call, so that it sees
@@ -69,11 +102,9 @@ class MIROXGCL_API LX_TCollectionActiveIterator {
  public:
   explicit LX_TCollectionActiveIterator(LX_TCollection<T> const& c) : m_collection(c) { Reset(); }
 
-  void Reset() { m_index = m_collection.Cardinality() != 0 ? 0 : -1; }
+  void Reset() { m_index = LX_FirstIndex(m_collection.Cardinality()); }
 
-  int IsDone() const {
-    return m_index < 0 || static_cast<unsigned int>(m_index) >= m_collection.Cardinality();
-  }
+  int IsDone() const { return m_index < 0 || LX_IsBeyond(m_index, m_collection.Cardinality()); }
 
   // Moves on; 1 when there is a current item then.
   int Next() {
@@ -125,15 +156,37 @@ class LX_TPurgeGuard {
   Container* m_container;
 };
 
+// Calls `use` with each item of a collection, in order.
+template <class T, class Use>
+void LX_WalkItems(LX_TCollection<T> const& collection, Use use) {
+  for (LX_TCollectionActiveIterator<T> i(collection); !i.IsDone(); i.Next()) use(*i.CurrentItem());
+}
+
 template <class T>
 LX_TCollection<T>& LX_TCollection<T>::operator=(LX_TCollection const& other) {
-  if (&other == this) return *this;
-  LX_TLockScope<LX_TCollection const> const lock(*this);
-  Purge();
-  LX_TPurgeGuard<LX_TCollection> guard(*this);
-  for (LX_TCollectionActiveIterator<T> i(other); !i.IsDone(); i.Next()) Add(*i.CurrentItem());
-  guard.Complete();
+  if (&other != this) Assign(other, [](unsigned int) {});
   return *this;
+}
+
+// Where this collection has items, one of them may own the other: its items are copied before these
+// go.
+template <class T>
+template <class Prepare>
+void LX_TCollection<T>::Assign(LX_TCollection const& other, Prepare prepare) {
+  LX_TLockScope<LX_TCollection const> const lock(*this);
+  bool const copies_first = !std::is_trivially_copyable_v<T> && Cardinality() != 0;
+  LX_TPurgeGuard<LX_TCollection> guard(*this);
+  std::deque<T> copies;
+  if (copies_first) LX_WalkItems(other, [&](T const& item) { copies.push_back(item); });
+  unsigned int const count = other.Cardinality();
+  Purge();
+  prepare(count);
+  if (copies_first) {
+    for (T const& item : copies) Add(item);
+  } else {
+    LX_WalkItems(other, [this](T const& item) { Add(item); });
+  }
+  guard.Complete();
 }
 
 template <class T>

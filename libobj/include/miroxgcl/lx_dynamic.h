@@ -3,7 +3,8 @@
 //
 // Putting an item first or last moves no other; an insertion or removal inside moves the items on
 // one side. Growth is by one chunk, so n appends cost n/chunk reallocations: use a larger chunk, or
-// Preallocate(), for long arrays.
+// Preallocate(), for long arrays. A removal gives back the chunks that are no longer needed: at a
+// chunk's border, an append and a removal in turn move all items each time.
 //
 //   LX_TDynamic<int> a(4);      // chunks of 4 slots, none held yet
 //   a.Append(1);                // 4 slots
@@ -25,6 +26,7 @@
 #include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -40,10 +42,12 @@
 template <class T>
 struct LX_TIsRelocatable : std::is_trivially_copyable<T> {};
 
-// When T's copying or M throws, the array keeps its value; an assignment leaves it empty where the
-// new items have begun to come. (A T that can be neither copied nor moved without throwing may leave
-// items doubled in a positioned insertion or removal.) A slot that an item has left keeps a copy of
-// it until it is overwritten or the slots are released, where copying cannot throw.
+// When T's copying or M throws, the array keeps its value; an assignment whose items cannot be put
+// into the slots leaves it empty. An argument may be an item of this array, or belong to one. A slot
+// that an item has left keeps a copy of it until it is overwritten or the slots are released, where
+// copying cannot throw.
+//
+// Items move when the array grows: a status with an open grab, for one, must not lie in an array.
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TDynamic {
  public:
@@ -53,11 +57,13 @@ class MIROXGCL_API LX_TDynamic {
   // Takes the chunk size too.
   LX_TDynamic(LX_TDynamic const& other) : LX_TDynamic(other.m_chunk_size) { *this = other; }
   LX_TDynamic(LX_TDynamic&& other) noexcept : LX_TDynamic(other.m_chunk_size) { Steal(other); }
+  LX_TDynamic(std::initializer_list<T> items) : LX_TDynamic() { *this = items; }
   ~LX_TDynamic() { Clear(); }
 
   // Keeps this array's own chunk size. The move takes the other's slots and leaves it empty.
   LX_TDynamic& operator=(LX_TDynamic const& other);
   LX_TDynamic& operator=(LX_TDynamic&& other) noexcept;
+  LX_TDynamic& operator=(std::initializer_list<T> items);
 
   int operator==(LX_TDynamic const& other) const;
   int operator!=(LX_TDynamic const& other) const { return !(*this == other); }
@@ -68,22 +74,40 @@ class MIROXGCL_API LX_TDynamic {
   }
 
   // REQUIRES: i < Length().
-  T const& ItemAt(unsigned int i) const { return m_items[SlotOf(i)]; }
-  T& ItemAt(unsigned int i) { return m_items[SlotOf(i)]; }
+  T const& ItemAt(unsigned int i) const {
+    RequireIndex(i, "LX_TDynamic::ItemAt");
+    return m_items[SlotOf(i)];
+  }
+  T& ItemAt(unsigned int i) {
+    RequireIndex(i, "LX_TDynamic::ItemAt");
+    return m_items[SlotOf(i)];
+  }
   T const& operator[](unsigned int i) const {
-    RequireIndex(i);
-    return ItemAt(i);
+    RequireIndex(i, "LX_TDynamic<>::operator[]");
+    return m_items[SlotOf(i)];
   }
   T& operator[](unsigned int i) {
-    RequireIndex(i);
-    return ItemAt(i);
+    RequireIndex(i, "LX_TDynamic<>::operator[]");
+    return m_items[SlotOf(i)];
   }
 
   // REQUIRES: Length() > 0.
-  T const& First() const { return m_items[m_start - 1]; }
-  T& First() { return m_items[m_start - 1]; }
-  T const& Last() const { return m_items[m_stop - 1]; }
-  T& Last() { return m_items[m_stop - 1]; }
+  T const& First() const {
+    RequireItems("LX_TDynamic::First");
+    return m_items[m_start - 1];
+  }
+  T& First() {
+    RequireItems("LX_TDynamic::First");
+    return m_items[m_start - 1];
+  }
+  T const& Last() const {
+    RequireItems("LX_TDynamic::Last");
+    return m_items[m_stop - 1];
+  }
+  T& Last() {
+    RequireItems("LX_TDynamic::Last");
+    return m_items[m_stop - 1];
+  }
 
   // The slots of a chunk. A new size applies from the next reallocation. REQUIRES: c > 0.
   unsigned int ChunkSize() const { return m_chunk_size; }
@@ -92,7 +116,8 @@ class MIROXGCL_API LX_TDynamic {
     m_chunk_size = c;
   }
 
-  // Makes room for `n` items when there are fewer; the next removal gives unused chunks back.
+  // Gives the array the fewest chunks that hold `n` items, when it has fewer items: more or fewer slots
+  // than before. The next removal gives unused chunks back.
   void Preallocate(unsigned int n) {
     if (Length() < n) Resize(Length(), n, 1);
   }
@@ -104,12 +129,12 @@ class MIROXGCL_API LX_TDynamic {
   // array's own, here and below. (The slot beside the run is nearly always free.)
   void Insert(T const& item) {
     if (m_start <= 1 || m_start - 1 == m_stop) return PutFirstOrLast(item, false);
-    m_items[m_start - 2] = item;
+    LX_AssignItem(m_items[m_start - 2], item);
     --m_start;
   }
   void Append(T const& item) {
     if (m_start == 0 || Wraps() || m_stop == m_size) return PutFirstOrLast(item, true);
-    m_items[m_stop] = item;
+    LX_AssignItem(m_items[m_stop], item);
     ++m_stop;
   }
 
@@ -125,7 +150,7 @@ class MIROXGCL_API LX_TDynamic {
   // REQUIRES: i < Length().
   void Replace(unsigned int i, T const& item) {
     LX_REQUIRE(i < Length(), "Range_Error", "LX_TDynamic::Replace", LX_kInvalidIndex);
-    ItemAt(i) = item;
+    LX_AssignItem(m_items[SlotOf(i)], item);
   }
 
   // The first index at or after `start` whose item equals `item`, or -1. REQUIRES: start <=
@@ -134,7 +159,8 @@ class MIROXGCL_API LX_TDynamic {
 
   // Gives the array the fewest chunks that hold `length` slots, keeping the first `count` items, in
   // the first slots, when `keep` is not 0. Does nothing when it has that many slots already. Throws
-  // std::bad_alloc or its kin, before anything changes, for more slots than an int counts.
+  // std::bad_alloc, or std::bad_array_new_length for more slots than an int counts, before anything
+  // changes.
   // REQUIRES: count <= length, count <= Length().
   void Resize(unsigned int count, unsigned int length, int keep);
 
@@ -156,16 +182,36 @@ class MIROXGCL_API LX_TDynamic {
   iterator end() { return {*this, Length()}; }
   const_iterator begin() const { return {*this, 0}; }
   const_iterator end() const { return {*this, Length()}; }
+  const_iterator cbegin() const { return begin(); }
+  const_iterator cend() const { return end(); }
+  std::reverse_iterator<iterator> rbegin() { return std::reverse_iterator<iterator>(end()); }
+  std::reverse_iterator<iterator> rend() { return std::reverse_iterator<iterator>(begin()); }
+  std::reverse_iterator<const_iterator> rbegin() const {
+    return std::reverse_iterator<const_iterator>(end());
+  }
+  std::reverse_iterator<const_iterator> rend() const {
+    return std::reverse_iterator<const_iterator>(begin());
+  }
+
+  // The standard library's names for Length, Append, First, Last and Clear.
+  using size_type = unsigned int;
+  using difference_type = std::ptrdiff_t;
+  using reference = T&;
+  using const_reference = T const&;
+  unsigned int size() const { return Length(); }
+  [[nodiscard]] bool empty() const { return m_start == 0; }
+  void push_back(T const& item) { Append(item); }
+  T& front() { return First(); }
+  T const& front() const { return First(); }
+  T& back() { return Last(); }
+  T const& back() const { return Last(); }
+  void clear() { Clear(); }
 
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
 
  private:
-  // Copying is the rule between slots; moving serves where only copying may throw.
-  static constexpr bool s_moves =
-      !std::is_nothrow_copy_assignable_v<T> && std::is_nothrow_move_assignable_v<T>;
-
-  class Slots;
+  class MIROXGCL_LOCAL Slots;
 
   bool Wraps() const { return m_start > m_stop; }
   bool IsFull() const { return Length() == m_size; }
@@ -176,8 +222,19 @@ class MIROXGCL_API LX_TDynamic {
   unsigned int After(unsigned int position) const { return position == m_size ? 1 : position + 1; }
   unsigned int Before(unsigned int position) const { return position == 1 ? m_size : position - 1; }
 
-  void RequireIndex([[maybe_unused]] unsigned int i) const {
-    LX_REQUIRE(i < Length(), "Range_Error", "LX_TDynamic<>::operator[]", LX_kInvalidIndex);
+  // Copying is the rule between slots; moving serves where only copying may throw. Where both may, an
+  // item is put or taken out inside a copy of the array, which then takes this one's place.
+  static constexpr bool CopiesSafely() { return std::is_nothrow_copy_assignable_v<T>; }
+  static constexpr bool Moves() { return !CopiesSafely() && std::is_nothrow_move_assignable_v<T>; }
+  static constexpr bool ChangesACopy() { return !CopiesSafely() && !Moves(); }
+  // Whether items may own what arguments refer to.
+  static constexpr bool MayOwn() { return !std::is_trivially_copyable_v<T>; }
+
+  void RequireIndex([[maybe_unused]] unsigned int i, [[maybe_unused]] char const* operation) const {
+    LX_REQUIRE(i < Length(), "Range_Error", operation, LX_kInvalidIndex);
+  }
+  void RequireItems([[maybe_unused]] char const* operation) const {
+    LX_REQUIRE(m_start != 0, "Underflow", operation, LX_kEmpty);
   }
   bool Holds(T const& item) const;
   void Grow() { Resize(m_size, m_size + 1, 1); }
@@ -186,6 +243,9 @@ class MIROXGCL_API LX_TDynamic {
   MIROXGCL_LOCAL void PutInside(T const& item, Open open);
   template <class Open, class Item>
   MIROXGCL_LOCAL void Fill(Open open, Item&& item);
+  MIROXGCL_LOCAL void Close(unsigned int i);
+  template <class Change>
+  MIROXGCL_LOCAL void ChangeSafely(Change change);
 
   // A slot made free inside the run, and the positions that hold once it is filled.
   struct Opening {
@@ -201,12 +261,14 @@ class MIROXGCL_API LX_TDynamic {
     return opening.slot;
   }
   void Steal(LX_TDynamic& other) noexcept;
+  template <class Source>
+  MIROXGCL_LOCAL void AssignItems(unsigned int n, Source item_at);
 
   static void Shift(T& to, T& from) {
-    if constexpr (s_moves) {
+    if constexpr (Moves()) {
       to = std::move(from);
     } else {
-      to = from;
+      LX_AssignItem(to, static_cast<T const&>(from));
     }
   }
   // Shift slots `first` to `last` - 1 by one, towards the end or towards the front.
@@ -229,17 +291,14 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
  public:
   LX_TDynamicCollection() = default;
   explicit LX_TDynamicCollection(unsigned int chunk_size) : m_dynamic(chunk_size) {}
-  LX_TDynamicCollection(std::initializer_list<T> items) {
-    m_dynamic.Preallocate(static_cast<unsigned int>(items.size()));
-    for (T const& item : items) m_dynamic.Append(item);
-  }
+  LX_TDynamicCollection(std::initializer_list<T> items) : m_dynamic(items) {}
   LX_TDynamicCollection(LX_TDynamicCollection const& other) = default;
   LX_TDynamicCollection(LX_TDynamicCollection&& other) noexcept
       : LX_TCollection<T>(), m_dynamic(std::move(other.m_dynamic)) {}
   ~LX_TDynamicCollection() override = default;
 
   LX_TDynamicCollection& operator=(LX_TCollection<T> const& other) override {
-    LX_TCollection<T>::operator=(other);
+    if (&other != this) this->Assign(other, [this](unsigned int n) { m_dynamic.Preallocate(n); });
     return *this;
   }
   int operator==(LX_TCollection<T> const& other) const override {
@@ -268,7 +327,8 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
   unsigned int Cardinality() const override { return m_dynamic.Length(); }
   T const& ItemAt(unsigned int i) const override { return m_dynamic.ItemAt(i); }
 
-  // Copies the array: this collection keeps its own chunk size.
+  // Copies the array: this collection keeps its own chunk size. The move, which a temporary gets, is
+  // not virtual: assigned through a reference to this class, it does not reach a derived class's.
   virtual LX_TDynamicCollection& operator=(LX_TDynamicCollection const& other) {
     m_dynamic = other.m_dynamic;
     return *this;
@@ -277,10 +337,21 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
     m_dynamic = std::move(other.m_dynamic);
     return *this;
   }
+  LX_TDynamicCollection& operator=(std::initializer_list<T> items) {
+    m_dynamic = items;
+    return *this;
+  }
   virtual int operator==(LX_TDynamicCollection const& other) const {
     return m_dynamic == other.m_dynamic;
   }
   int operator!=(LX_TDynamicCollection const& other) const { return !(*this == other); }
+  // An abstract collection beside one of this class, for C++20 as well.
+  friend int operator==(LX_TCollection<T> const& a, LX_TDynamicCollection const& b) {
+    return a == static_cast<LX_TCollection<T> const&>(b);
+  }
+  friend int operator!=(LX_TCollection<T> const& a, LX_TDynamicCollection const& b) {
+    return !(a == b);
+  }
   virtual void SetChunkSize(unsigned int c) { m_dynamic.SetChunkSize(c); }
   virtual void Preallocate(unsigned int n) { m_dynamic.Preallocate(n); }
   virtual unsigned int ChunkSize() const { return m_dynamic.ChunkSize(); }
@@ -299,7 +370,7 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
 // How many chunks an array of `length` slots takes, and how many slots that makes.
 struct LX_ChunkPlan {
   unsigned int chunks;
-  unsigned int slots;
+  unsigned int size;
 };
 
 // A chunk size of 0 counts as 32. Throws std::bad_array_new_length when an int cannot count the
@@ -309,9 +380,9 @@ inline LX_ChunkPlan LX_PlanChunks(unsigned int length, unsigned int chunk_size,
   if (length == 0) return {0, 0};
   std::uint64_t const chunk = chunk_size != 0 ? chunk_size : 32;
   std::uint64_t const chunks = (length - 1) / chunk + 1;
-  std::uint64_t const slots = chunks * chunk;
-  if (slots > INT_MAX || slots > PTRDIFF_MAX / slot_bytes) throw std::bad_array_new_length();
-  return {static_cast<unsigned int>(chunks), static_cast<unsigned int>(slots)};
+  std::uint64_t const size = chunks * chunk;
+  if (size > INT_MAX || size > PTRDIFF_MAX / slot_bytes) throw std::bad_array_new_length();
+  return {static_cast<unsigned int>(chunks), static_cast<unsigned int>(size)};
 }
 
 // An array of slots, all of them built but for those of one gap, which may wrap at the array's end.
@@ -321,44 +392,46 @@ class LX_TDynamic<T, M>::Slots {
  public:
   // None is built yet.
   explicit Slots(unsigned int size)
-      : Slots(size == 0 ? nullptr : static_cast<T*>(M::AllocateBlock(size * sizeof(T))), size, 0,
-              size) {
-    LX_REQUIRE(size == 0 || m_slots != nullptr, "Storage_Error", "LX_TDynamic::Resize", LX_kNull);
+      : Slots(size == 0 ? nullptr : static_cast<T*>(LX_AllocateFor<T, M>(size * sizeof(T))), size,
+              0, size) {
+    LX_REQUIRE(size == 0 || m_items != nullptr, "Storage_Error", "LX_TDynamic::Resize", LX_kNull);
   }
-  Slots(T* slots, unsigned int size, unsigned int gap, unsigned int gap_size)
-      : m_slots(slots), m_size(size), m_gap(gap), m_gap_size(gap_size) {}
+  Slots(T* items, unsigned int size, unsigned int gap, unsigned int gap_size)
+      : m_items(items), m_size(size), m_gap(gap), m_gap_size(gap_size) {}
   Slots(Slots const&) = delete;
   Slots& operator=(Slots const&) = delete;
   ~Slots() {
     unsigned int const end = m_gap + m_gap_size;
     if (end <= m_size) {
-      std::destroy(m_slots, m_slots + m_gap);
-      std::destroy(m_slots + end, m_slots + m_size);
+      std::destroy(m_items, m_items + m_gap);
+      std::destroy(m_items + end, m_items + m_size);
     } else {
-      std::destroy(m_slots + (end - m_size), m_slots + m_gap);
+      std::destroy(m_items + (end - m_size), m_items + m_gap);
     }
-    if (m_slots != nullptr) M::ReleaseBlock(m_slots, m_size * sizeof(T));
+    if (m_items != nullptr) LX_ReleaseFor<T, M>(m_items, m_size * sizeof(T));
   }
 
   // Builds the slots from `first` to the gap's end empty (a scalar is 0).
   void BuildEmpty(unsigned int first) {
-    std::uninitialized_value_construct(m_slots + first, m_slots + m_gap_size);
+    std::uninitialized_value_construct(m_items + first, m_items + m_gap_size);
     m_gap_size = first;
   }
   // Builds the gap's last slot from `value`.
   template <class Value>
   void Build(Value&& value) {
-    ::new (static_cast<void*>(m_slots + m_gap_size - 1)) T(std::forward<Value>(value));
+    if constexpr (LX_is_copyable_v<T>) {
+      ::new (static_cast<void*>(m_items + m_gap_size - 1)) T(std::forward<Value>(value));
+    }
     --m_gap_size;
   }
-  T* Data() { return m_slots; }
+  T* Data() { return m_items; }
   T* Take() {
     m_gap = m_gap_size = m_size = 0;
-    return std::exchange(m_slots, nullptr);
+    return std::exchange(m_items, nullptr);
   }
 
  private:
-  T* m_slots;
+  T* m_items;
   unsigned int m_size;
   unsigned int m_gap;  // the first slot that is not built
   unsigned int m_gap_size;
@@ -369,19 +442,21 @@ class LX_TDynamic<T, M>::Slots {
 template <class T, class M>
 void LX_TDynamic<T, M>::Resize(unsigned int count, unsigned int length, int keep) {
   LX_ChunkPlan const plan = LX_PlanChunks(length, m_chunk_size, sizeof(T));
-  if (plan.slots == m_size) return;
+  if (plan.size == m_size) return;
   unsigned int const kept = keep != 0 ? count : 0;
-  Slots fresh(plan.slots);
+  Slots fresh(plan.size);
   fresh.BuildEmpty(kept);
   bool const relocates = LX_TIsRelocatable<T>::value && kept != 0;
   if (relocates) {
     CopyBytesTo(fresh.Data(), kept);
   } else {
-    for (unsigned int i = kept; i > 0; --i) fresh.Build(std::move_if_noexcept(ItemAt(i - 1)));
+    for (unsigned int i = kept; i > 0; --i) {
+      fresh.Build(std::move_if_noexcept(m_items[SlotOf(i - 1)]));
+    }
   }
   Slots const old(m_items, m_size, relocates ? m_start - 1 : 0, relocates ? kept : 0);  // goes last
   m_items = fresh.Take();
-  m_size = plan.slots;
+  m_size = plan.size;
   m_total_chunks = plan.chunks;
   m_stop = length != 0 ? count : 0;
   m_start = m_stop != 0 ? 1 : 0;
@@ -398,23 +473,55 @@ void LX_TDynamic<T, M>::CopyBytesTo(T* place, unsigned int count) const {
               (count - run) * sizeof(T));
 }
 
+// Where there are slots, one of their items may own the other array: its items are copied before
+// these go.
 template <class T, class M>
 LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(LX_TDynamic const& other) {
   if (&other == this) return *this;
   unsigned int const n = other.Length();
-  Resize(0, n, 0);
-  m_start = m_stop = 0;  // empty until every item has come
-  for (unsigned int i = 0; i < n; ++i) m_items[i] = other.ItemAt(i);
-  m_stop = n;
-  m_start = n != 0 ? 1 : 0;
+  if (!MayOwn() || m_size == 0 || n == 0) {
+    AssignItems(n, [&other](unsigned int i) -> T const& { return other.m_items[other.SlotOf(i)]; });
+    return *this;
+  }
+  Slots copies(n);
+  for (unsigned int i = n; i > 0; --i) {
+    copies.Build(static_cast<T const&>(other.m_items[other.SlotOf(i - 1)]));
+  }
+  AssignItems(n, [&copies](unsigned int i) -> T& { return copies.Data()[i]; });
   return *this;
 }
 
 template <class T, class M>
+LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(std::initializer_list<T> items) {
+  AssignItems(static_cast<unsigned int>(items.size()),
+              [&items](unsigned int i) -> T const& { return items.begin()[i]; });
+  return *this;
+}
+
+// Makes the array `n` items, each what `item_at` answers for its index.
+template <class T, class M>
+template <class Source>
+void LX_TDynamic<T, M>::AssignItems(unsigned int n, Source item_at) {
+  Resize(0, n, 0);
+  m_start = m_stop = 0;  // empty until every item has come
+  for (unsigned int i = 0; i < n; ++i) {
+    if constexpr (Moves() && !std::is_const_v<std::remove_reference_t<decltype(item_at(i))>>) {
+      m_items[i] = std::move(item_at(i));
+    } else {
+      LX_AssignItem(m_items[i], static_cast<T const&>(item_at(i)));
+    }
+  }
+  m_stop = n;
+  m_start = n != 0 ? 1 : 0;
+}
+
+// One of this array's items may own the other array: its slots are taken before these go.
+template <class T, class M>
 LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(LX_TDynamic&& other) noexcept {
   if (&other != this) {
+    LX_TDynamic taken(std::move(other));
     Clear();
-    Steal(other);
+    Steal(taken);
   }
   return *this;
 }
@@ -435,7 +542,7 @@ int LX_TDynamic<T, M>::operator==(LX_TDynamic const& other) const {
   unsigned int const n = Length();
   if (n != other.Length()) return 0;
   for (unsigned int i = 0; i < n; ++i) {
-    if (!(ItemAt(i) == other.ItemAt(i))) return 0;
+    if (!(m_items[SlotOf(i)] == other.m_items[other.SlotOf(i)])) return 0;
   }
   return 1;
 }
@@ -452,12 +559,17 @@ bool LX_TDynamic<T, M>::Holds(T const& item) const {
 template <class T, class M>
 void LX_TDynamic<T, M>::PutFirstOrLast(T const& item, bool last) {
   if (IsFull()) {
-    if (Holds(item)) return PutFirstOrLast(T(item), last);
+    if (m_size != 0 && (MayOwn() || Holds(item))) {  // what goes with the old slots is copied first
+      Slots copy(1);
+      copy.Build(item);
+      Grow();
+      return PutFirstOrLast(*copy.Data(), last);
+    }
     Grow();
   }
   bool const empty = m_start == 0;
   unsigned int const position = empty ? 1 : last ? After(m_stop) : Before(m_start);
-  m_items[position - 1] = item;
+  LX_AssignItem(m_items[position - 1], item);
   if (last || empty) m_stop = position;
   if (!last || empty) m_start = position;
 }
@@ -466,40 +578,70 @@ template <class T, class M>
 void LX_TDynamic<T, M>::Insert(T const& item, unsigned int i) {
   LX_REQUIRE(Length() == 0 || i <= Length(), "Range_Error", "LX_TDynamic::Insert",
              LX_kInvalidIndex);
-  PutInside(item, [this, i] {
-    unsigned int const p = m_start + i - 1;
-    if (Wraps()) return i > m_size - m_start ? OpenRight(p - m_size) : OpenLeft(p);
-    return i > Length() - i ? OpenRight(p) : OpenLeft(p);
+  PutInside(item, [i](LX_TDynamic& a) {
+    unsigned int const p = a.m_start + i - 1;
+    if (a.Wraps()) return i > a.m_size - a.m_start ? a.OpenRight(p - a.m_size) : a.OpenLeft(p);
+    return i > a.Length() - i ? a.OpenRight(p) : a.OpenLeft(p);
   });
 }
 
 template <class T, class M>
 void LX_TDynamic<T, M>::Append(T const& item, unsigned int i) {
   LX_REQUIRE(Length() == 0 || i < Length(), "Range_Error", "LX_TDynamic::Append", LX_kInvalidIndex);
-  PutInside(item, [this, i] {
-    unsigned int const p = m_start + i;
-    if (Wraps()) return i > m_size - m_start ? OpenRight(p - m_size) : OpenLeft(p);
-    return i >= Length() - 1 - i ? OpenRight(p) : OpenLeft(p);
+  PutInside(item, [i](LX_TDynamic& a) {
+    unsigned int const p = a.m_start + i;
+    if (a.Wraps()) return i > a.m_size - a.m_start ? a.OpenRight(p - a.m_size) : a.OpenLeft(p);
+    return i >= a.Length() - 1 - i ? a.OpenRight(p) : a.OpenLeft(p);
   });
 }
 
-// An item of this array's own would move under our hands; one that may throw while being copied
-// must do so before anything moves. Either is copied first.
+// An item of this array's own, or one that belongs to such an item, would change while others move;
+// one that may throw while being copied must do so before anything moves. Either is copied first.
 template <class T, class M>
 template <class Open>
 void LX_TDynamic<T, M>::PutInside(T const& item, Open open) {
   if (m_start == 0) return Append(item);
-  if (s_moves || Holds(item)) return Fill(open, T(item));
-  Fill(open, item);
+  if (!MayOwn() && !Holds(item)) return Fill(open, item);
+  Slots copy(1);
+  copy.Build(item);
+  if (IsFull()) Grow();
+  ChangeSafely([&](LX_TDynamic& a) { a.Fill(open, std::move(*copy.Data())); });
 }
 
 template <class T, class M>
 template <class Open, class Item>
 void LX_TDynamic<T, M>::Fill(Open open, Item&& item) {
   if (IsFull()) Grow();
-  Opening const opening = open();
-  m_items[opening.slot] = std::forward<Item>(item);
+  Opening const opening = open(*this);
+  if constexpr (Moves()) {
+    m_items[opening.slot] = std::forward<Item>(item);
+  } else {
+    LX_AssignItem(m_items[opening.slot], static_cast<T const&>(item));
+  }
   Adopt(opening);
+}
+
+// Changes this array or, where moving an item may throw, a copy of all its slots which then takes its
+// place.
+template <class T, class M>
+template <class Change>
+void LX_TDynamic<T, M>::ChangeSafely(Change change) {
+  if constexpr (ChangesACopy()) {
+    Slots slots_copied(m_size);
+    for (unsigned int q = m_size; q > 0; --q) {
+      slots_copied.Build(static_cast<T const&>(m_items[q - 1]));
+    }
+    LX_TDynamic copy(m_chunk_size);
+    copy.m_size = m_size;
+    copy.m_total_chunks = m_total_chunks;
+    copy.m_start = m_start;
+    copy.m_stop = m_stop;
+    copy.m_items = slots_copied.Take();
+    change(copy);
+    *this = std::move(copy);
+  } else {
+    change(*this);
+  }
 }
 
 template <class T, class M>
@@ -561,17 +703,25 @@ void LX_TDynamic<T, M>::Remove(unsigned int i) {
   unsigned int const n = Length();
   LX_REQUIRE(n != 0, "Underflow", "LX_TDynamic::Remove", LX_kEmpty);
   LX_REQUIRE(i < n, "Range_Error", "LX_TDynamic::Remove", LX_kInvalidIndex);
-  unsigned int const p = m_start + i - 1;
   if (n == 1) {
     m_start = m_stop = 0;
-  } else if (Wraps()) {
-    i > m_size - m_start ? ShrinkRight(p - m_size) : ShrinkLeft(p);
   } else {
-    i > n - i ? ShrinkRight(p) : ShrinkLeft(p);
+    ChangeSafely([i](LX_TDynamic& a) { a.Close(i); });
   }
   try {
     Resize(n - 1, n - 1, 1);
   } catch (...) {  // the item is out all the same, and the larger array serves
+  }
+}
+
+// Closes the slot of the item at `i`, one of several.
+template <class T, class M>
+void LX_TDynamic<T, M>::Close(unsigned int i) {
+  unsigned int const p = m_start + i - 1;
+  if (Wraps()) {
+    i > m_size - m_start ? ShrinkRight(p - m_size) : ShrinkLeft(p);
+  } else {
+    i > Length() - i ? ShrinkRight(p) : ShrinkLeft(p);
   }
 }
 
@@ -580,7 +730,7 @@ int LX_TDynamic<T, M>::Location(T const& item, unsigned int start) const {
   unsigned int const n = Length();
   LX_REQUIRE(start <= n, "Range_Error", "LX_TDynamic::Location", LX_kInvalidIndex);
   for (unsigned int i = start; i < n; ++i) {
-    if (ItemAt(i) == item) return static_cast<int>(i);
+    if (m_items[SlotOf(i)] == item) return static_cast<int>(i);
   }
   return -1;
 }

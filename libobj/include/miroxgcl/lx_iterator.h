@@ -10,8 +10,9 @@
 #include <type_traits>
 
 // A container and an index. It reaches the items through the container's own operations, and so
-// stands through every change of it; it is valid while its index is at most the length. Container
-// is constant for a constant iterator. Steps cost nothing, a look-up what operator[] costs there.
+// stays valid through every change of it, while its index is at most the length. After Remove(i) an
+// iterator at i is at the item that followed: a loop that removes steps only where it does not.
+// Container is constant for a constant iterator. Steps cost nothing, a look-up what operator[] costs.
 template <class Container, class Item>
 class LX_TIndexIterator {
  public:
@@ -24,6 +25,10 @@ class LX_TIndexIterator {
   LX_TIndexIterator() = default;
   LX_TIndexIterator(Container& container, unsigned int index)
       : m_container(&container), m_index(static_cast<difference_type>(index)) {}
+  // A constant iterator at the same place as one for writing.
+  template <class Other, class = std::enable_if_t<std::is_same_v<Other const, Container>>>
+  LX_TIndexIterator(LX_TIndexIterator<Other, value_type> const& other)  // NOLINT(google-explicit-*)
+      : m_container(other.m_container), m_index(other.m_index) {}
 
   reference operator*() const { return (*m_container)[static_cast<unsigned int>(m_index)]; }
   pointer operator->() const { return &**this; }
@@ -71,8 +76,17 @@ class LX_TIndexIterator {
   }
 
  private:
+  template <class, class>
+  friend class LX_TIndexIterator;
+
   Container* m_container = nullptr;
   difference_type m_index = 0;
 };
+
+// What the three active iterators say of their index, which is -1 where nothing was found at the start.
+constexpr int LX_FirstIndex(unsigned int length) noexcept { return length != 0 ? 0 : -1; }
+constexpr bool LX_IsBeyond(int index, unsigned int length) noexcept {
+  return index < 0 || static_cast<unsigned int>(index) >= length;
+}
 
 #endif

@@ -8,6 +8,8 @@
 #define MIROXGCL_LX_STACK_H
 
 #include <cstddef>
+#include <initializer_list>
+#include <iterator>
 #include <utility>
 
 #include "miroxgcl/lx_collection.h"
@@ -21,8 +23,9 @@ class MIROXGCL_API LX_TStack {
   LX_TStack(LX_TStack const&) = default;
   virtual ~LX_TStack() = default;
 
-  // Gives this stack the items of `other`, whatever its class, in order. When copying an item
-  // throws, this stack is left empty.
+  // Gives this stack the items of `other`, whatever its class, in order. `other`, which is locked
+  // meanwhile, must not belong to one of this stack's own items. When copying an item throws, this
+  // stack is left empty.
   virtual LX_TStack& operator=(LX_TStack const& other);
 
   // 1 when both hold the same number of items, equal in order.
@@ -45,13 +48,35 @@ class MIROXGCL_API LX_TStack {
   virtual void Lock();
   virtual void Unlock();
 
-  // For range-for and the standard algorithms: from the top, not for writing.
+  // For range-for and the standard algorithms: from the top, not for writing. What is looked up next to
+  // the last look-up takes constant time, what is farther a walk: the iterators step in constant time,
+  // but jump in linear time.
   T const& operator[](unsigned int i) const { return ItemAt(i); }
   using value_type = T;
   using const_iterator = LX_TIndexIterator<LX_TStack const, T const>;
   using iterator = const_iterator;
   const_iterator begin() const { return {*this, 0}; }
   const_iterator end() const { return {*this, Depth()}; }
+  const_iterator cbegin() const { return begin(); }
+  const_iterator cend() const { return end(); }
+  std::reverse_iterator<const_iterator> rbegin() const {
+    return std::reverse_iterator<const_iterator>(end());
+  }
+  std::reverse_iterator<const_iterator> rend() const {
+    return std::reverse_iterator<const_iterator>(begin());
+  }
+
+  // The standard library's names for Depth, IsEmpty, Push, Pop and Top.
+  using size_type = unsigned int;
+  using difference_type = std::ptrdiff_t;
+  using reference = T&;
+  using const_reference = T const&;
+  unsigned int size() const { return Depth(); }
+  [[nodiscard]] bool empty() const { return Depth() == 0; }
+  void push(T const& item) { Push(item); }
+  void pop() { Pop(); }
+  T& top() { return Top(); }
+  T const& top() const { return Top(); }
 };
 
 // Walks a stack from its top, asking it anew at every call. A plain value; the stack must outlive
@@ -61,11 +86,9 @@ class MIROXGCL_API LX_TStackActiveIterator {
  public:
   explicit LX_TStackActiveIterator(LX_TStack<T> const& stack) : m_stack(stack) { Reset(); }
 
-  void Reset() { m_index = m_stack.Cardinality() != 0 ? 0 : -1; }
+  void Reset() { m_index = LX_FirstIndex(m_stack.Cardinality()); }
 
-  int IsDone() const {
-    return m_index < 0 || static_cast<unsigned int>(m_index) >= m_stack.Cardinality();
-  }
+  int IsDone() const { return m_index < 0 || LX_IsBeyond(m_index, m_stack.Cardinality()); }
 
   // Moves on; 1 when there is a current item then.
   int Next() {
@@ -91,6 +114,8 @@ template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
  public:
   LX_TUnboundedStack() = default;
+  // The items from the top to the bottom.
+  LX_TUnboundedStack(std::initializer_list<T> items) : m_unbounded(items) {}
   LX_TUnboundedStack(LX_TUnboundedStack const& other) = default;
   LX_TUnboundedStack(LX_TUnboundedStack&& other) noexcept
       : LX_TStack<T>(), m_unbounded(std::move(other.m_unbounded)) {}
@@ -126,10 +151,19 @@ class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
     m_unbounded = std::move(other.m_unbounded);
     return *this;
   }
+  LX_TUnboundedStack& operator=(std::initializer_list<T> items) {
+    m_unbounded = items;
+    return *this;
+  }
   virtual int operator==(LX_TUnboundedStack const& other) const {
     return m_unbounded == other.m_unbounded;
   }
   int operator!=(LX_TUnboundedStack const& other) const { return !(*this == other); }
+  // An abstract stack beside one of this class, for C++20 as well.
+  friend int operator==(LX_TStack<T> const& a, LX_TUnboundedStack const& b) {
+    return a == static_cast<LX_TStack<T> const&>(b);
+  }
+  friend int operator!=(LX_TStack<T> const& a, LX_TUnboundedStack const& b) { return !(a == b); }
 
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }

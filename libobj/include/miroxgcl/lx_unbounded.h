@@ -1,9 +1,11 @@
 // LX_TUnbounded<T,M>: a doubly linked list that remembers the position looked up last, so that
 // walking it by index costs one step an item.
 //
-// Indices count from 0; truth values are int, 1 and 0. References to items stand until the item is
-// removed. Even looking an item up moves the remembered position: one thread at a time, readers
-// too.
+// Indices count from 0; truth values are int, 1 and 0. References to items stay valid until the item is
+// removed.
+//
+// As safe as the standard library's values: any number of threads may read one list. Of those that
+// look up by index at the same time, one has the remembered position, the others walk.
 //
 // Invariants:
 //   1. m_head and m_tail are null exactly when m_size is 0.
@@ -15,9 +17,12 @@
 #include <cstddef>
 #include <initializer_list>
 #include <iterator>
+#include <new>
+#include <type_traits>
 #include <utility>
 
 #include "miroxgcl/gcl_config.h"
+#include "miroxgcl/gcl_threads.h"
 #include "miroxgcl/lx_precondition.h"
 #include "miroxgcl/lx_unmanaged.h"
 
@@ -27,15 +32,17 @@ template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TNode {
  public:
   LX_TNode(T const& item, LX_TNode* previous, LX_TNode* next)
-      : m_item(item), m_previous(previous), m_next(next) {
+      : m_item(LX_CopyItem(item)), m_previous(previous), m_next(next) {
     if (previous != nullptr) previous->m_next = this;
     if (next != nullptr) next->m_previous = this;
   }
   LX_TNode(LX_TNode const&) = delete;
   LX_TNode& operator=(LX_TNode const&) = delete;
 
-  static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
-  static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+  static void* operator new(std::size_t n) { return LX_AllocateFor<LX_TNode, M>(n); }
+  static void operator delete(void* p, std::size_t n) { LX_ReleaseFor<LX_TNode, M>(p, n); }
+  static void* operator new(std::size_t n, std::align_val_t) { return operator new(n); }
+  static void operator delete(void* p, std::size_t n, std::align_val_t) { operator delete(p, n); }
 
   T m_item;
   LX_TNode* m_previous;  // null in the first node
@@ -60,11 +67,13 @@ class MIROXGCL_API LX_TUnbounded {
   // Takes the other's nodes and leaves it empty.
   LX_TUnbounded& operator=(LX_TUnbounded&& other) noexcept {
     if (&other != this) {
+      LX_TUnbounded taken(std::move(other));  // one of this list's items may own the other list
       Clear();
-      Steal(other);
+      Steal(taken);
     }
     return *this;
   }
+  LX_TUnbounded& operator=(std::initializer_list<T> items) { return *this = LX_TUnbounded(items); }
 
   int operator==(LX_TUnbounded const& other) const;
   int operator!=(LX_TUnbounded const& other) const { return !(*this == other); }
@@ -73,26 +82,38 @@ class MIROXGCL_API LX_TUnbounded {
 
   // REQUIRES: Length() > 0.
   T const& First() const {
-    RequireItems();
+    RequireItems("LX_TUnbounded<>::First()");
     return m_head->m_item;
   }
   T& First() {
-    RequireItems();
+    RequireItems("LX_TUnbounded<>::First()");
     return m_head->m_item;
   }
-  T const& Last() const { return m_tail->m_item; }
-  T& Last() { return m_tail->m_item; }
+  T const& Last() const {
+    RequireItems("LX_TUnbounded::Last");
+    return m_tail->m_item;
+  }
+  T& Last() {
+    RequireItems("LX_TUnbounded::Last");
+    return m_tail->m_item;
+  }
 
   // REQUIRES: i < Length().
-  T const& ItemAt(unsigned int i) const { return LookUp(i)->m_item; }
-  T& ItemAt(unsigned int i) { return LookUp(i)->m_item; }
+  T const& ItemAt(unsigned int i) const {
+    RequireIndex(i, "LX_TUnbounded::ItemAt");
+    return LookUp(i)->m_item;
+  }
+  T& ItemAt(unsigned int i) {
+    RequireIndex(i, "LX_TUnbounded::ItemAt");
+    return LookUp(i)->m_item;
+  }
   T const& operator[](unsigned int i) const {
-    RequireIndex(i);
-    return ItemAt(i);
+    RequireIndex(i, "LX_TUnbounded<>::operator[]");
+    return LookUp(i)->m_item;
   }
   T& operator[](unsigned int i) {
-    RequireIndex(i);
-    return ItemAt(i);
+    RequireIndex(i, "LX_TUnbounded<>::operator[]");
+    return LookUp(i)->m_item;
   }
 
   // Destroys every item, from the first on.
@@ -118,17 +139,43 @@ class MIROXGCL_API LX_TUnbounded {
   // remembered position, when its item is equal. REQUIRES: start <= Length().
   int Location(T const& item, unsigned int start) const;
 
-  // For range-for and the standard algorithms: from the first node to the last. An iterator stands
-  // until its item is removed, and does not move the remembered position.
+  // For range-for and the standard algorithms: from the first node to the last. An iterator stays valid
+  // until its item is removed, so that a loop steps on before it removes; it does not move the
+  // remembered position.
   template <class Item>
   class NodeIterator;
   using value_type = T;
   using iterator = NodeIterator<T>;
   using const_iterator = NodeIterator<T const>;
-  iterator begin() { return iterator(m_head); }
-  iterator end() { return iterator(nullptr); }
-  const_iterator begin() const { return const_iterator(m_head); }
-  const_iterator end() const { return const_iterator(nullptr); }
+  iterator begin() { return iterator(*this, m_head); }
+  iterator end() { return iterator(*this, nullptr); }
+  const_iterator begin() const { return const_iterator(*this, m_head); }
+  const_iterator end() const { return const_iterator(*this, nullptr); }
+  const_iterator cbegin() const { return begin(); }
+  const_iterator cend() const { return end(); }
+  std::reverse_iterator<iterator> rbegin() { return std::reverse_iterator<iterator>(end()); }
+  std::reverse_iterator<iterator> rend() { return std::reverse_iterator<iterator>(begin()); }
+  std::reverse_iterator<const_iterator> rbegin() const {
+    return std::reverse_iterator<const_iterator>(end());
+  }
+  std::reverse_iterator<const_iterator> rend() const {
+    return std::reverse_iterator<const_iterator>(begin());
+  }
+
+  // The standard library's names for Length, Append, Insert, First, Last and Clear.
+  using size_type = unsigned int;
+  using difference_type = std::ptrdiff_t;
+  using reference = T&;
+  using const_reference = T const&;
+  unsigned int size() const { return m_size; }
+  [[nodiscard]] bool empty() const { return m_size == 0; }
+  void push_back(T const& item) { Append(item); }
+  void push_front(T const& item) { Insert(item); }
+  T& front() { return First(); }
+  T const& front() const { return First(); }
+  T& back() { return Last(); }
+  T const& back() const { return Last(); }
+  void clear() noexcept { Clear(); }
 
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
@@ -136,17 +183,25 @@ class MIROXGCL_API LX_TUnbounded {
  private:
   using Node = LX_TNode<T, M>;
 
-  void RequireItems() const {
-    LX_REQUIRE(m_size != 0, "Underflow", "LX_TUnbounded<>::First()", LX_kEmpty);
+  void RequireItems([[maybe_unused]] char const* operation) const {
+    LX_REQUIRE(m_size != 0, "Underflow", operation, LX_kEmpty);
   }
-  void RequireIndex([[maybe_unused]] unsigned int i) const {
-    LX_REQUIRE(i < m_size, "Range_Error", "LX_TUnbounded<>::operator[]", LX_kInvalidIndex);
+  void RequireIndex([[maybe_unused]] unsigned int i, [[maybe_unused]] char const* operation) const {
+    LX_REQUIRE(i < m_size, "Range_Error", operation, LX_kInvalidIndex);
   }
   Node* LookUp(unsigned int i) const;
+  Node* LookUpBeside(Node* cache, unsigned int i) const;
   Node* Walk(unsigned int i) const;
+  // While there are threads, the remembered position is whose who takes it, until Remember() gives it
+  // back; others find it taken.
+  static Node* Taken() { return reinterpret_cast<Node*>(1); }
+  Node* TakeCache() const {
+    if (gcl_threads::is_single()) return m_cache;
+    return __atomic_exchange_n(&m_cache, Taken(), __ATOMIC_ACQUIRE);
+  }
   Node* Remember(Node* node, unsigned int i) const {
-    m_cache = node;
     m_cache_index = i;
+    __atomic_store_n(&m_cache, node, __ATOMIC_RELEASE);
     return node;
   }
   void Link(T const& item, Node* previous, Node* next, unsigned int i);
@@ -165,14 +220,19 @@ template <class T, class M>
 template <class Item>
 class LX_TUnbounded<T, M>::NodeIterator {
  public:
-  using iterator_category = std::forward_iterator_tag;
+  using iterator_category = std::bidirectional_iterator_tag;
   using value_type = T;
   using difference_type = std::ptrdiff_t;
   using pointer = Item*;
   using reference = Item&;
 
   NodeIterator() = default;
-  explicit NodeIterator(Node* node) : m_node(node) {}
+  // At a node of `list`, or with null at its end.
+  NodeIterator(LX_TUnbounded const& list, Node* node) : m_list(&list), m_node(node) {}
+  // A constant iterator at the same place as one for writing.
+  template <class Other, class = std::enable_if_t<std::is_same_v<Other const, Item>>>
+  NodeIterator(NodeIterator<Other> const& other)  // NOLINT(google-explicit-*)
+      : m_list(other.m_list), m_node(other.m_node) {}
 
   reference operator*() const { return m_node->m_item; }
   pointer operator->() const { return &m_node->m_item; }
@@ -180,12 +240,33 @@ class LX_TUnbounded<T, M>::NodeIterator {
     m_node = m_node->m_next;
     return *this;
   }
-  NodeIterator operator++(int) { return NodeIterator(std::exchange(m_node, m_node->m_next)); }
+  NodeIterator operator++(int) {
+    NodeIterator const before = *this;
+    ++*this;
+    return before;
+  }
+  NodeIterator& operator--() {
+    m_node = m_node != nullptr ? m_node->m_previous : m_list->m_tail;
+    return *this;
+  }
+  NodeIterator operator--(int) {
+    NodeIterator const before = *this;
+    --*this;
+    return before;
+  }
 
-  friend bool operator==(NodeIterator a, NodeIterator b) { return a.m_node == b.m_node; }
-  friend bool operator!=(NodeIterator a, NodeIterator b) { return a.m_node != b.m_node; }
+  friend bool operator==(NodeIterator const& a, NodeIterator const& b) {
+    return a.m_node == b.m_node;
+  }
+  friend bool operator!=(NodeIterator const& a, NodeIterator const& b) {
+    return a.m_node != b.m_node;
+  }
 
  private:
+  template <class>
+  friend class NodeIterator;
+
+  LX_TUnbounded const* m_list = nullptr;
   Node* m_node = nullptr;
 };
 
@@ -228,14 +309,21 @@ LX_TNode<T, M>* LX_TUnbounded<T, M>::Walk(unsigned int i) const {
   return node;
 }
 
+// Who finds the remembered position taken walks, and remembers nothing.
 template <class T, class M>
 LX_TNode<T, M>* LX_TUnbounded<T, M>::LookUp(unsigned int i) const {
-  if (m_cache != nullptr) {
-    if (i == m_cache_index) return m_cache;
-    if (i == m_cache_index + 1) return Remember(m_cache->m_next, i);
-    if (i + 1 == m_cache_index) return Remember(m_cache->m_previous, i);
-  }
-  return Remember(Walk(i), i);
+  Node* const cache = TakeCache();
+  if (cache == Taken()) return Walk(i);
+  return Remember(cache != nullptr ? LookUpBeside(cache, i) : Walk(i), i);
+}
+
+// The node at `i`, one step from the remembered one where that is enough.
+template <class T, class M>
+LX_TNode<T, M>* LX_TUnbounded<T, M>::LookUpBeside(Node* cache, unsigned int i) const {
+  if (i == m_cache_index) return cache;
+  if (i == m_cache_index + 1) return cache->m_next;
+  if (i + 1 == m_cache_index) return cache->m_previous;
+  return Walk(i);
 }
 
 // A new node between two others, which becomes the one at index `i` and is remembered.
@@ -304,21 +392,26 @@ void LX_TUnbounded<T, M>::Remove(unsigned int i) {
 template <class T, class M>
 void LX_TUnbounded<T, M>::Replace(unsigned int i, T const& item) {
   LX_REQUIRE(i < m_size, "Range_Error", "LX_TUnbounded::Replace", LX_kInvalidIndex);
-  if (m_cache == nullptr || i != m_cache_index) Remember(Walk(i), i);
-  m_cache->m_item = item;
+  bool const is_cached = m_cache != nullptr && i == m_cache_index;
+  LX_AssignItem(Remember(is_cached ? m_cache : Walk(i), i)->m_item, item);
 }
 
 template <class T, class M>
 int LX_TUnbounded<T, M>::Location(T const& item, unsigned int start) const {
   LX_REQUIRE(start <= m_size, "Range_Error", "LX_TUnbounded::Location", LX_kInvalidIndex);
-  if (start == 0 && m_cache != nullptr && m_cache->m_item == item) {
-    return static_cast<int>(m_cache_index);
+  if (start == 0) {
+    Node* const cache = TakeCache();
+    unsigned int const index = cache != Taken() ? m_cache_index : 0;
+    if (cache != Taken()) Remember(cache, index);
+    if (cache != nullptr && cache != Taken() && cache->m_item == item) {
+      return static_cast<int>(index);
+    }
   }
   if (start >= m_size) return -1;
   unsigned int i = start;
   for (Node* node = Walk(start); node != nullptr; node = node->m_next, ++i) {
     if (node->m_item == item) {
-      Remember(node, i);
+      if (TakeCache() != Taken()) Remember(node, i);
       return static_cast<int>(i);
     }
   }

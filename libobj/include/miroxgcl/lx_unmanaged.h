@@ -1,12 +1,16 @@
 // LX_CUnmanaged: the containers' storage policy on the global allocation operators.
 //
-// A policy M is a class with these two static operations; a container asks for exactly the bytes of
-// its slots or of one node, and gives each block back with the size it asked for.
+// A policy M is a class with these static operations; a container asks for exactly the bytes of its
+// slots or of one node, and gives each block back with the size it asked for. The operations with an
+// alignment are called only for items that are aligned more strictly than the language's own types; a
+// policy for others need not have them.
 #ifndef MIROXGCL_LX_UNMANAGED_H
 #define MIROXGCL_LX_UNMANAGED_H
 
 #include <cstddef>
 #include <new>
+#include <type_traits>
+#include <utility>
 
 #include "miroxgcl/gcl_config.h"
 
@@ -17,6 +21,67 @@ class MIROXGCL_API LX_CUnmanaged {
 
   // Gives back the block `p` of `n` bytes; null is allowed.
   static void ReleaseBlock(void* p, std::size_t) noexcept { ::operator delete(p); }
+
+  // The same for a block of a stricter alignment, a power of two.
+  static void* AllocateBlock(std::size_t n, std::align_val_t alignment) {
+    return ::operator new(n, alignment);
+  }
+  static void ReleaseBlock(void* p, std::size_t, std::align_val_t alignment) noexcept {
+    ::operator delete(p, alignment);
+  }
 };
+
+template <class M, class = void>
+struct LX_TAligns : std::false_type {};
+template <class M>
+struct LX_TAligns<M, std::void_t<decltype(M::AllocateBlock(0, std::align_val_t{}))>>
+    : std::true_type {};
+
+// A block of `n` bytes of M for objects of class T.
+template <class T, class M>
+void* LX_AllocateFor(std::size_t n) {
+  if constexpr (alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__) {
+    return M::AllocateBlock(n);
+  } else {
+    static_assert(LX_TAligns<M>::value,
+                  "The items are aligned more strictly than the storage policy's blocks: give the "
+                  "policy AllocateBlock and ReleaseBlock with a std::align_val_t.");
+    return M::AllocateBlock(n, std::align_val_t{alignof(T)});
+  }
+}
+template <class T, class M>
+void LX_ReleaseFor(void* p, std::size_t n) noexcept {
+  if constexpr (alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__) {
+    M::ReleaseBlock(p, n);
+  } else {
+    M::ReleaseBlock(p, n, std::align_val_t{alignof(T)});
+  }
+}
+
+// The one place where containers copy items into slots and nodes, so that an item that cannot be copied
+// is refused in one line.
+template <class T>
+constexpr bool LX_is_copyable_v = std::is_copy_constructible_v<T> && std::is_copy_assignable_v<T>;
+
+template <class T>
+void LX_RequireCopyable() {
+  static_assert(LX_is_copyable_v<T>,
+                "The containers copy their items, and this item cannot be copied: hold a pointer, or "
+                "a std::shared_ptr, instead.");
+}
+template <class T>
+void LX_AssignItem(T& to, T const& from) {
+  LX_RequireCopyable<T>();
+  if constexpr (LX_is_copyable_v<T>) to = from;
+}
+template <class T>
+decltype(auto) LX_CopyItem([[maybe_unused]] T const& item) {
+  LX_RequireCopyable<T>();
+  if constexpr (LX_is_copyable_v<T>) {
+    return (item);
+  } else {
+    return T();
+  }
+}
 
 #endif

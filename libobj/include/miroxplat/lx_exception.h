@@ -13,26 +13,26 @@ MIROXPLAT_API extern char const* const LX_kNull;
 MIROXPLAT_API extern char const* const LX_kNotEmpty;
 }
 
-// Describes a violated precondition by three texts, which it points to and does not copy: building
-// and dropping one is inline and allocates nothing, so that a description which is not thrown costs
-// nothing.
+// Describes a violated precondition by three texts, which it points to and does not copy, and by the
+// one that what() gives, which it holds itself. Building one allocates nothing.
 class MIROXPLAT_API LX_XException : public std::exception {
  public:
   // `kind` names the class of failure, `location` the class and operation, `reason` is one of the
   // four constants above. The texts must outlive the object.
-  LX_XException(char const* kind, char const* location, char const* reason) noexcept
-      : m_kind(kind), m_location(location), m_reason(reason) {}
+  LX_XException(char const* kind, char const* location, char const* reason) noexcept;
   ~LX_XException() override = default;
 
   char const* kind() const noexcept { return m_kind; }
   char const* location() const noexcept { return m_location; }
   char const* reason() const noexcept { return m_reason; }
-  char const* what() const noexcept override;  // the reason
+  // The location and the reason: "LX_TDynamic::Remove: The collection is empty."
+  char const* what() const noexcept override;
 
  private:
   char const* m_kind;
   char const* m_location;
   char const* m_reason;
+  char m_what[128];
 };
 
 #endif
