@@ -5,8 +5,8 @@
 #include <iterator>
 
 #include "gcl_environment.h"
-#include "imsg_context.h"
 #include "miroxgcl/gcl_imsg_redirect.h"
+#include "redirect_context.h"
 
 namespace {
 
@@ -46,22 +46,22 @@ void show_lost_output(GCL_StringList const& messages) {
 GCL_ImsgCollector::GCL_ImsgCollector() : m_messages(list_chunk_size) {
   GCL_ImsgCollector::clear_messages();
   imsg_get_redirect_procs(IMSG_PROC_COUNT, m_saved_procs, &m_saved_proc_arg);
-  imsg_context_declare(this, m_saved_proc_arg);
-
   std::copy(std::begin(m_saved_procs), std::end(m_saved_procs), m_procs);
   m_procs[0] = m_procs[1] = GCL_ImsgCollector_handle_info_msg;
   m_procs[4] = m_procs[5] = GCL_ImsgCollector_handle_warning_msg;
   m_procs[6] = m_procs[7] = GCL_ImsgCollector_handle_error_msg;
   imsg_set_redirect_procs(m_procs, IMSG_PROC_COUNT, this);
 
+  redirect_context_begin({this, m_saved_procs, &m_saved_proc_arg, &m_redirect_was_enabled});
+
   m_redirect_was_enabled = !GCL_ImsgRedirect::m_no_redirect;
   GCL_ImsgRedirect::disable_redirection();
 }
 
 GCL_ImsgCollector::~GCL_ImsgCollector() {
-  imsg_set_redirect_procs(m_saved_procs, IMSG_PROC_COUNT, m_saved_proc_arg);
-  imsg_context_end(this);
-  GCL_ImsgRedirect::m_no_redirect = !m_redirect_was_enabled;
+  bool const passes_flag = redirect_context_passes_flag(this, m_redirect_was_enabled);
+  redirect_context_end(this, m_saved_procs, m_saved_proc_arg);
+  if (!passes_flag) GCL_ImsgRedirect::m_no_redirect = !m_redirect_was_enabled;
   if (shows_lost_output() && m_messages.Length() != 0) show_lost_output(m_messages);
 }
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "gcl_environment.h"
-#include "imsg_context.h"
+#include "redirect_context.h"
 
 namespace {
 
@@ -59,14 +59,15 @@ void GCL_Status::install_redirect_procs() {
   static constexpr imsg_redirect_proc procs[] = {h, h, h, h, h, h, h, h, h, h, h};
   static_assert(std::size(procs) == IMSG_PROC_COUNT);
   imsg_set_redirect_procs(procs, IMSG_PROC_COUNT, this);
+  redirect_context_begin({this, m_saved_procs, &m_saved_proc_arg, nullptr});
 }
 
 void GCL_Status::restore_redirect_procs() noexcept {
-  imsg_set_redirect_procs(m_saved_procs, IMSG_PROC_COUNT, m_saved_proc_arg);
+  redirect_context_end(this, m_saved_procs, m_saved_proc_arg);
 }
 
 void GCL_Status::handle_imsg_out(void* context, char* text) {
-  auto* const status = static_cast<GCL_Status*>(imsg_context_status(context));
+  auto* const status = static_cast<GCL_Status*>(redirect_context_status(context));
   if (status != nullptr) status->add_message(GCL_String(text));
   if (copies_to_stdout()) {
     std::fputs(text, stdout);

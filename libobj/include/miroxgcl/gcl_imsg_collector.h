@@ -8,8 +8,8 @@
 
 // Messages of other kinds go where they went before. GCL_ImsgRedirect is disabled meanwhile, so
 // that what an operation's services print arrives here and not in its status; a direct
-// GCL_Status::grab_imsg_out still grabs. Collectors and grabs end in the reverse order of their
-// start.
+// GCL_Status::grab_imsg_out still grabs. Collectors and grabs normally end in the reverse order of
+// their start; one that ends before others on top of it just leaves their row.
 //
 // A severity is 0 for information, 4 for a warning, 6 for an error; a derived class may use 0
 // to 10. Others are not recorded.

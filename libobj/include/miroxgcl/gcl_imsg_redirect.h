@@ -12,7 +12,7 @@
 
 // Remembers the status and nothing else: each end of the scope asks anew whether redirection is
 // disabled, as it is while a GCL_ImsgCollector exists, and then does nothing. The status must
-// outlive the scope; scopes end in the reverse order of their start.
+// outlive the scope.
 class MIROXGCL_API GCL_ImsgRedirect {
  public:
   explicit GCL_ImsgRedirect(GCL_Status& status) : m_status(status) {

@@ -79,8 +79,9 @@ class MIROXGCL_API GCL_Status {
   [[nodiscard]] GCL_String error_message() const;
 
   // From grab to release, everything the message service prints is added here instead of being
-  // displayed. Grabs nest; those of several statuses must end in the reverse order of their start.
-  // GCL_ImsgRedirect does both for a scope.
+  // displayed. Grabs nest. Normally those of several statuses end in the reverse order of their start;
+  // in any other order each takes its table away all the same. A grab belongs to the object: it does
+  // not move with its value, and a status in an array moves. GCL_ImsgRedirect does both for a scope.
   void grab_imsg_out() {
     if (m_grab_count++ == 0) install_redirect_procs();
   }
@@ -102,7 +103,7 @@ class MIROXGCL_API GCL_Status {
   std::unique_ptr<GCL_ErrMsgStack> m_message_stack;   // null without messages
   int m_grab_count = 0;                               // grabs open on this status
   imsg_redirect_proc m_saved_procs[IMSG_PROC_COUNT];  // the table found by the first, while any is
-  void* m_saved_proc_arg;                             // and its context
+  void* m_saved_proc_arg = nullptr;                   // and its context; null before the first
 };
 
 // Compare codes; messages do not matter.

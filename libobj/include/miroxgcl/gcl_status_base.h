@@ -12,8 +12,8 @@
 // object exists GCL_ImsgRedirect is disabled, so that what a service prints goes to the list, even
 // during an operation that was given this object as its status.
 //
-// Each object installs its collector for its whole life: objects end in the reverse order of their
-// start, and a grab opened on the status itself is released before. A copy, and the target of an
+// Each object installs its collector for its whole life. Objects normally end in the reverse order of
+// their start; those copied by ordinary C++ may end in any. A copy, and the target of an
 // assignment, has the other's code and stack and a collector that is new and empty. Should memory
 // for that collector be lacking, an assignment throws std::bad_alloc and leaves the target without
 // one: it then answers as if empty and collects nothing.
