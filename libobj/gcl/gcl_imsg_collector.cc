@@ -29,9 +29,8 @@ void GCL_ImsgCollector_handle_error_msg(void* collector, char* text) {
 
 // Decided once for the process, when the first collector ends.
 bool shows_lost_output() {
-  static int imsg_lost_output = -1;
-  if (imsg_lost_output == -1) imsg_lost_output = gcl_environment_is_set("IMSG_LOST_OUTPUT") ? 1 : 0;
-  return imsg_lost_output == 1;
+  static bool const imsg_lost_output = gcl_environment_is_set("IMSG_LOST_OUTPUT");
+  return imsg_lost_output;
 }
 
 // Reads the list where it is: nothing here can fail for lack of memory.

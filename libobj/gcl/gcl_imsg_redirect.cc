@@ -1,3 +1,3 @@
 #include "miroxgcl/gcl_imsg_redirect.h"
 
-bool GCL_ImsgRedirect::m_no_redirect = false;
+__thread bool GCL_ImsgRedirect::m_no_redirect = false;

@@ -3,12 +3,17 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <memory>
+#include <mutex>
+#include <ostream>
+#include <string>
 #include <string_view>
 
 #include "gcl_environment.h"
+#include "gcl_output.h"
 #include "miroxplat/strutl.h"
 
-std::int32_t GCL_Indent::m_indent_level = 0;
+__thread std::int32_t GCL_Indent::m_indent_level = 0;
 std::int32_t GCL_Indent::m_indent_initialized = 0;
 GCL_String GCL_Indent::m_indent_string;
 GCL_String GCL_Indent::m_header_format;
@@ -19,10 +24,6 @@ namespace {
 constexpr std::int32_t initialized_mark = 1029384756;
 
 std::string_view view(GCL_String const& s) { return {s.c_str(), s.length()}; }
-
-void write(std::ostream& os, std::string_view text) {
-  os.write(text.data(), static_cast<std::streamsize>(text.size()));
-}
 
 // The most bytes of `text`, at most `room`, that do not end inside a character.
 std::size_t whole_characters(std::string_view text, std::size_t room) {
@@ -63,6 +64,24 @@ class Text {
   bool m_is_cut = false;
 };
 
+enum Which { of_header, of_footer, of_indentation, which_count };
+
+// The calling thread's result. The first thread to ask has static memory, which outlives every static
+// object; the others' goes with them.
+Text& result_of_thread(Which which) {
+  static Text first_thread[which_count];
+  static __thread char identity __attribute__((tls_model("initial-exec")));
+  static char* first = nullptr;
+  char* nobody = nullptr;
+  if (__atomic_compare_exchange_n(&first, &nobody, &identity, false, __ATOMIC_RELAXED,
+                                  __ATOMIC_RELAXED) ||
+      nobody == &identity) {
+    return first_thread[which];
+  }
+  static thread_local std::unique_ptr<Text[]> const other_thread(new Text[which_count]);
+  return other_thread[which];
+}
+
 // Fills a format: its first "%s" becomes the title, "%%" a percent sign.
 void fill(Text& result, std::string_view format, std::string_view title) {
   bool title_is_due = true;
@@ -91,18 +110,19 @@ char const* fill_for(Text& result, GCL_String const& format, GCL_String const& t
 // Takes a variable's value where it is set, and says whether it is.
 void configure(GCL_String& setting, char const* variable) {
   char const* const value = gcl_environment(variable);
-  if (value == nullptr) {
-    write(std::cout, "Did not find ");
-    write(std::cout, variable);
-    write(std::cout, " environment variable\n");
-    return;
-  }
-  write(std::cout, "Got ");
-  write(std::cout, variable);
-  write(std::cout, ": ");
-  write(std::cout, value);
-  write(std::cout, "\n");
-  setting = value;
+  std::string line = value != nullptr ? "Got " : "Did not find ";
+  line.append(variable);
+  line.append(value != nullptr ? std::string(": ") + value : " environment variable");
+  gcl_write_diagnostic(std::cout, line += '\n');
+  if (value != nullptr) setting = value;
+}
+
+// The first thread to come initialises for all.
+void initialize_once(std::int32_t const& mark, void (*initialize)()) {
+  static std::mutex mutex;
+  if (__atomic_load_n(&mark, __ATOMIC_ACQUIRE) == initialized_mark) return;
+  std::lock_guard<std::mutex> const lock(mutex);
+  if (mark != initialized_mark) initialize();
 }
 
 }  // namespace
@@ -114,52 +134,48 @@ void GCL_Indent::initialize_indent() {
   configure(m_indent_string, "GCL_INDENT_STRING");
   configure(m_header_format, "GCL_INDENT_HEADER_FORMAT");
   configure(m_footer_format, "GCL_INDENT_FOOTER_FORMAT");
-  m_indent_initialized = initialized_mark;
+  __atomic_store_n(&m_indent_initialized, initialized_mark, __ATOMIC_RELEASE);
 }
 
 GCL_Indent::GCL_Indent(char const* title) {
-  if (m_indent_initialized != initialized_mark) initialize_indent();
+  initialize_once(m_indent_initialized, &GCL_Indent::initialize_indent);
   if (title != nullptr) m_name = title;
   char const* const text = header();
   if (*text != '\0') {
-    write(std::cerr, "\n");
-    write(std::cerr, indent());
-    write(std::cerr, text);
+    for (char const* const piece : {"\n", indent(), text}) gcl_write_diagnostic(std::cerr, piece);
   }
   if (m_name.length() != 0) {
     ++m_indent_level;
-    write(std::cerr, "\n");
+    gcl_write_diagnostic(std::cerr, "\n");
   }
 }
 
 GCL_Indent::~GCL_Indent() {
   if (m_name.length() == 0) return;
   --m_indent_level;
-  write(std::cerr, indent());
-  write(std::cerr, footer());
-  write(std::cerr, "\n");
+  for (char const* const piece : {indent(), footer(), "\n"}) gcl_write_diagnostic(std::cerr, piece);
 }
 
 char const* GCL_Indent::header() const {
-  static Text result;
+  Text& result = result_of_thread(of_header);
   return fill_for(result, m_header_format, m_name);
 }
 
 char const* GCL_Indent::footer() const {
-  static Text result;
+  Text& result = result_of_thread(of_footer);
   return fill_for(result, m_footer_format, m_name);
 }
 
 char const* GCL_Indent::indent() const {
-  static Text result;
+  Text& result = result_of_thread(of_indentation);
   result.clear();
   for (int i = 0; i < m_indent_level && !result.is_cut(); ++i) result.append(view(m_indent_string));
   return result.c_str();
 }
 
 std::basic_ostream<char>& GCL_Indent::insert(std::basic_ostream<char>& os) const {
-  write(os, indent());
-  return os;
+  char const* const text = indent();
+  return os.write(text, static_cast<std::streamsize>(std::strlen(text)));
 }
 
 std::basic_ostream<char>& operator<<(std::basic_ostream<char>& os, GCL_Indent const& indent) {

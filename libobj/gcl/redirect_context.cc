@@ -36,7 +36,7 @@ class Stack {
   }
 
  private:
-  static constexpr unsigned int few = 8;
+  static constexpr unsigned int few = 4;
 
   bool grow() {
     auto* const more = new (std::nothrow) redirect_context[2 * m_capacity];

@@ -22,8 +22,9 @@ constexpr redirect_table own_table = {
      display_on_stderr},
     nullptr};
 
-// Initialised before any code runs, so that static constructors may print and redirect.
-redirect_table s_table = own_table;
+// Each thread's own. Initialised before any code runs, so that static constructors may print and
+// redirect.
+__thread redirect_table s_table __attribute__((tls_model("initial-exec"))) = own_table;
 
 constexpr std::size_t usual_message_size = 512;
 

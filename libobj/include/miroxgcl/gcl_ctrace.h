@@ -21,14 +21,14 @@
 // exit lines allocate nothing; a message is built by its caller.
 class MIROXGCL_API GCL_Ctrace {
  public:
-  // The names are not copied and must outlive the trace.
+  // The names are not copied and must outlive the trace; null is shown as "?".
   GCL_Ctrace(char const* class_name, char const* function_name, GCL_Debug::Discriminator area,
              GCL_Debug::Level level)
       : m_discriminator(area),
         m_level(level),
         m_class_name(class_name),
         m_function_name(function_name),
-        m_trace_id(GCL_Debug::m_debug_ptr->m_trace_count++) {
+        m_trace_id(GCL_Debug::m_debug_ptr->next_trace_id()) {
     if (is_enabled()) enter(m_class_name, m_function_name, m_trace_id);
   }
   GCL_Ctrace(GCL_Ctrace const&) = delete;
@@ -54,18 +54,20 @@ class MIROXGCL_API GCL_Ctrace {
   std::int32_t m_trace_id;
 };
 
-// Traces from here to the end of the block.
-#define GCL_CTRACE(class_name, function_name, area, level) \
-  GCL_Ctrace gcl_ctrace_scope((class_name), (function_name), (area), (level))
+// Traces from here to the end of the block. In a nested block, its trace hides the outer one.
+#define GCL_CTRACE(class_name, function_name, area, level)                         \
+  _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wshadow\"")    \
+      GCL_Ctrace gcl_ctrace_scope((class_name), (function_name), (area), (level)); \
+  _Pragma("GCC diagnostic pop") static_assert(true, "takes the semicolon")
 
 // Writes a message of the block's trace when it is enabled: what could follow `std::cout <<`.
-#define GCL_CTRACE_OUT(message)                                               \
-  do {                                                                        \
-    if (gcl_ctrace_scope.is_enabled()) {                                      \
-      std::ostringstream gcl_ctrace_message;                                  \
-      gcl_ctrace_message << message; /* NOLINT(bugprone-macro-parentheses) */ \
-      gcl_ctrace_scope.output(gcl_ctrace_message);                            \
-    }                                                                         \
+#define GCL_CTRACE_OUT(...)                                                       \
+  do {                                                                            \
+    if (gcl_ctrace_scope.is_enabled()) {                                          \
+      std::ostringstream gcl_ctrace_message;                                      \
+      gcl_ctrace_message << __VA_ARGS__; /* NOLINT(bugprone-macro-parentheses) */ \
+      gcl_ctrace_scope.output(gcl_ctrace_message);                                \
+    }                                                                             \
   } while (false)
 
 #endif

@@ -4,7 +4,8 @@
 //
 //   MIROX_GCL_DEBUG=1-4.3,9    areas 1 to 4 at level 3, area 9 at level 1
 //   MIROX_GCL_DEBUG_FILE=log   lines go to this file, which is emptied, not to standard error; they
-//                              are lost, and nothing else is, when it cannot be written
+//                              are lost, and nothing else is, when it cannot be written or is no
+//                              regular file and no device of characters
 //
 // Functions are traced with gcl_ctrace.h.
 #ifndef MIROXGCL_GCL_DEBUG_H
@@ -14,10 +15,13 @@
 #include <initializer_list>
 #include <iosfwd>
 #include <string_view>
+#include <utility>
 
 #include "miroxgcl/gcl_config.h"
+#include "miroxgcl/gcl_threads.h"
 
-// One instance a process, at m_debug_ptr. For one thread at a time.
+// One instance a process, at m_debug_ptr. Any number of threads may trace at once: each has a depth of
+// its own, and lines are whole. set_levels() is for one thread, while no other traces.
 class MIROXGCL_API GCL_Debug {
  public:
   // A subject area: 0 to 711. A product numbers its own from `own_area` on, as in
@@ -59,7 +63,8 @@ class MIROXGCL_API GCL_Debug {
   }
 
   // Writes a line with the text of `message`, indented by the traces that are open, whatever their
-  // levels are. Does not flush.
+  // levels are: whole, in one piece. Lines of a debug file are gathered and not flushed. Throws
+  // std::bad_alloc alone, for a copy of the text.
   void output(std::basic_ostringstream<char>& message);
 
   // The instance; null before the first initialiser of the process and after the last.
@@ -83,8 +88,18 @@ class MIROXGCL_API GCL_Debug {
 
   static constexpr int area_count = 712;
 
+  // The number of the next trace, after 2^31 - 1 the least.
+  std::int32_t next_trace_id() noexcept {
+    if (!gcl_threads::is_single()) return __atomic_fetch_add(&m_trace_count, 1, __ATOMIC_RELAXED);
+    auto const next = static_cast<std::uint32_t>(m_trace_count) + 1;
+    return std::exchange(m_trace_count, static_cast<std::int32_t>(next));
+  }
+
+  // The depth of the calling thread: the field for the one that made this object.
+  MIROXGCL_LOCAL std::int32_t& depth() noexcept;
+
   // Writes one line made of `pieces`. The one place that knows the prefix and the indentation.
-  MIROXGCL_LOCAL void write_line(std::initializer_list<std::string_view> pieces);
+  MIROXGCL_LOCAL void write_line(std::initializer_list<std::string_view> pieces) noexcept;
 
   std::int32_t m_levels[area_count];  // the level enabled for each area
   std::ostream* m_stream;             // standard error, or a file stream that this object owns

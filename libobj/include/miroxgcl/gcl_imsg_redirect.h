@@ -24,11 +24,12 @@ class MIROXGCL_API GCL_ImsgRedirect {
     if (!m_no_redirect) m_status.release_imsg_out();
   }
 
-  // For the whole process.
+  // For the calling thread.
   static void disable_redirection() noexcept { m_no_redirect = true; }
   static void enable_redirection() noexcept { m_no_redirect = false; }
 
-  static bool m_no_redirect;  // true while redirection is disabled
+  // True while redirection is disabled in this thread.
+  static __thread bool m_no_redirect __attribute__((tls_model("initial-exec")));
 
  private:
   GCL_Status& m_status;

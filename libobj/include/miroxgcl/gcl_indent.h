@@ -19,8 +19,8 @@
 #include "miroxgcl/gcl_string.h"
 
 // An object with a title opens a block; blocks end in the reverse order of their start. One without
-// a title (null or empty) changes nothing: it writes the indentation where it is inserted. For one
-// thread at a time.
+// a title (null or empty) changes nothing: it writes the indentation where it is inserted. Each thread
+// has a depth and results of its own.
 class MIROXGCL_API GCL_Indent {
  public:
   explicit GCL_Indent(char const* title);
@@ -29,8 +29,8 @@ class MIROXGCL_API GCL_Indent {
   ~GCL_Indent();
 
   // The header and footer of this block, and the indentation of the current depth. Each text is cut
-  // at 1023 bytes, between characters, and stands until the next call of the same function on any
-  // object.
+  // at 1023 bytes, between characters, and stays valid until the thread's next call of the same
+  // function on any object.
   char const* header() const;
   char const* footer() const;
   char const* indent() const;
@@ -44,7 +44,8 @@ class MIROXGCL_API GCL_Indent {
  private:
   GCL_String m_name;  // the title
 
-  static std::int32_t m_indent_level;        // titled blocks open
+  // Titled blocks open in this thread.
+  static __thread std::int32_t m_indent_level __attribute__((tls_model("initial-exec")));
   static std::int32_t m_indent_initialized;  // a mark, once the variables are read
   static GCL_String m_indent_string;
   static GCL_String m_header_format;

@@ -2,7 +2,7 @@
 //
 // Each message has a kind, its slot in the redirect table. While a table is installed, a message is
 // handed to the procedure in its slot instead of being displayed; a null entry displays it as before.
-// One table serves the whole process; nothing here takes a lock.
+// Each thread has a table of its own, which begins as the service's own; nothing here takes a lock.
 #ifndef MIROXPLAT_IMSG_H
 #define MIROXPLAT_IMSG_H
 
