@@ -1,5 +1,6 @@
 // What reports: message tables, checks, the status base, debug lines, traces and indentation.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <climits>
 #include <csignal>
@@ -149,6 +150,31 @@ TEST(Trace, LinesAreWrittenAsAndWhereTheyAreWanted) {
   std::string content;
   std::getline(std::ifstream(log), content, '\0');
   EXPECT_EQ(content, trace_lines);
+}
+
+// A debug file that nobody reads, and a closed standard error that is to throw.
+void trace_into_nothing() {
+  std::cerr.exceptions(std::ios_base::badbit | std::ios_base::failbit);
+  std::fclose(stderr);
+  GCL_CTRACE(nullptr, "outer", GCL_Debug::general, GCL_Debug::coarse);
+  {
+    GCL_CTRACE(nullptr, "inner", GCL_Debug::general, GCL_Debug::coarse);
+    GCL_CTRACE_OUT(std::max(1, 2));
+  }
+  GCL_Indent const block("block");
+  std::puts(std::cerr.good() ? "good" : "changed");
+}
+
+TEST(Trace, NeitherBlocksNorThrows) {
+  scratch_folder const folder;
+  std::string const fifo = folder.path + "/fifo";
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  for (char const* file : std::vector<char const*>{nullptr, fifo.c_str()}) {
+    auto const child = run_in_child(trace_into_nothing,
+                                    {{"MIROX_GCL_DEBUG", "0"}, {"MIROX_GCL_DEBUG_FILE", file}});
+    EXPECT_EQ(child.out.substr(child.out.rfind('\n', child.out.size() - 2) + 1), "good\n");
+    EXPECT_EQ(child.exit_code, 0);
+  }
 }
 
 // ---- Indentation

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <random>
 
@@ -83,6 +84,34 @@ TEST(Hostile, EnvironmentHoldsAnythingAndStreamsAreClosed) {
       EXPECT_TRUE(child.exit_code == 0 && child.signal == 0) << value.substr(0, 300);
     }
   }
+}
+
+// What a copy of this program, with these permissions, writes to standard error as it starts with
+// tracing switched on. Another user owns it.
+std::string start_of_copy(std::filesystem::perms permissions) {
+  namespace fs = std::filesystem;
+  std::string const copy = testing::TempDir() + "hostile_copy", errors = copy + ".err";
+  fs::copy_file("/proc/self/exe", copy, fs::copy_options::overwrite_existing);
+  constexpr uid_t nobody = 65534;
+  EXPECT_EQ(chown(copy.c_str(), nobody, 0), 0);
+  fs::permissions(
+      copy, permissions | fs::perms::owner_all | fs::perms::others_exec | fs::perms::others_read);
+  std::string const command =
+      "MIROX_GCL_DEBUG=0 " + copy + " --gtest_list_tests >/dev/null 2>" + errors;
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  std::string lines;
+  std::getline(std::ifstream(errors), lines, '\0');
+  fs::remove(copy), fs::remove(errors);
+  return lines;
+}
+
+TEST(Hostile, ProgramWithMoreRightsThanItsCallerReadsNoVariable) {
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "the leak checker does not run in such a program";
+#endif
+  if (geteuid() != 0) GTEST_SKIP() << "only root can make a program another user's";
+  EXPECT_NE(start_of_copy(std::filesystem::perms::none), "");
+  EXPECT_EQ(start_of_copy(std::filesystem::perms::set_uid), "");
 }
 
 // The services see a name up to its first NUL, and look it up on this machine.

@@ -1,7 +1,10 @@
 // Statuses, their messages, and what captures the message service's output.
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <random>
 #include <variant>
+#include <vector>
 
 #include "miroxgcl/gcl.h"
 #include "support/child.h"
@@ -53,6 +56,38 @@ TEST(Status, GrabBelongsToTheObject) {
     EXPECT_EQ(texts_of(status), "in");
   }  // with two grabs open
   EXPECT_EQ(taker(), nullptr);
+}
+
+// Some that grab and some that collect, begun and ended in any order. Each message is taken by the one
+// that began last of those that are open.
+TEST(Status, TakersEndInAnyOrder) {
+  struct open_taker {
+    std::unique_ptr<GCL_Status> status;
+    std::unique_ptr<GCL_ImsgCollector> collector;
+    bool has_messages() {
+      return status ? status->get_message_stack() != nullptr : collector->has_messages();
+    }
+  };
+  std::mt19937 random(1);
+  for (int round = 0; round < 300; ++round) {
+    std::vector<open_taker> open;
+    for (int step = 0; step < 20 || !open.empty(); ++step) {
+      if (step < 20 && random() % 2 == 0) {
+        open.push_back(random() % 2 == 0
+                           ? open_taker{std::make_unique<GCL_Status>(), nullptr}
+                           : open_taker{nullptr, std::make_unique<GCL_ImsgCollector>()});
+        if (open.back().status) open.back().status->grab_imsg_out();
+      } else if (!open.empty()) {
+        open.erase(open.begin() + static_cast<int>(random() % open.size()));
+      }
+      if (open.empty()) continue;
+      for (auto& one : open) one.status ? one.status->set_ok() : one.collector->clear_messages();
+      imsg_print(6, "error", -1);
+      for (auto& one : open) ASSERT_EQ(one.has_messages(), &one == &open.back());
+    }
+    ASSERT_EQ(taker(), nullptr);
+    ASSERT_FALSE(GCL_ImsgRedirect::m_no_redirect);
+  }
 }
 
 TEST(Status, RedirectAsksAtEachEndWhetherItIsDisabled) {

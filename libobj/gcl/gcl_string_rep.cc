@@ -50,9 +50,9 @@ GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int capacity) noexcep
 
 GCL_StringRep* GCL_StringRep::make(unsigned int length, unsigned int reserve, char const* text) {
   unsigned int const capacity = capacity_of(length, reserve);
-  std::uint64_t const size = sizeof(GCL_StringRep) + std::uint64_t{capacity};
-  if (size > PTRDIFF_MAX) throw std::bad_alloc();
-  void* const block = ::operator new(static_cast<std::size_t>(size));
+  std::size_t const size = sizeof(GCL_StringRep) + capacity;
+  if (size < capacity) throw std::bad_alloc();  // the sum wrapped
+  void* const block = ::operator new(size);
   auto* const rep = ::new (block) GCL_StringRep(length, capacity);
   if (text != nullptr) std::memcpy(rep->m_buffer, text, length);
   return rep;
