@@ -83,8 +83,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     append(first, last);
   }
   template <class N, gcl_text::IfNumber<N> = 0>
-  explicit GCL_String(N,
-                      unsigned int = 1) = delete;  // a number is no character: GCL_String('x', 3)
+  explicit GCL_String(N,  // a number is no character: GCL_String('x', 3)
+                      unsigned int = 1) = delete;
   ~GCL_String() = default;
 
   /// @}
@@ -319,6 +319,9 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   GCL_String& insert(P pos, GCL_String const& s, N n = npos) {
     return insert(gcl_text::narrow(pos), s, gcl_text::narrow(n));
   }
+  template <class P, class N, class Other = unsigned int, gcl_text::IfNumber<N> = 0>
+  GCL_String& insert(P, N,  // a number is no text: insert(pos, GCL_String('x', 3))
+                     Other = npos) = delete;
 
   /// Puts the first `slen` bytes of `s` in the place of the `n` bytes at `pos`.
   GCL_String& replace(unsigned int pos, unsigned int n, GCL_String const& s,
@@ -339,6 +342,9 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   GCL_String& replace(P pos, N n, GCL_String const& s, M slen = npos) {
     return replace(gcl_text::narrow(pos), gcl_text::narrow(n), s, gcl_text::narrow(slen));
   }
+  template <class P, class M, class N, class Other = unsigned int, gcl_text::IfNumber<N> = 0>
+  GCL_String& replace(P, M, N,  // a number is no text: replace(pos, n, GCL_String('x', 3))
+                      Other = npos) = delete;
 
   /// Takes `n` bytes at `pos` out. When nothing is left, the string has no body.
   GCL_String& remove(unsigned int pos, unsigned int n = npos);
@@ -486,6 +492,18 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   [[nodiscard]] unsigned int find_last_not_of(GCL_String const& set, P last) const {
     return find_last_not_of(set, gcl_text::narrow(last));
   }
+  template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
+  unsigned int find(N, P = 0) const = delete;  // a number is no text
+  template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
+  unsigned int rfind(N, P = 0) const = delete;  // a number is no text
+  template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
+  unsigned int find_first_of(N, P = 0) const = delete;  // a number is no text
+  template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
+  unsigned int find_first_not_of(N, P = 0) const = delete;  // a number is no text
+  template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
+  unsigned int find_last_of(N, P = 0) const = delete;  // a number is no text
+  template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
+  unsigned int find_last_not_of(N, P = 0) const = delete;  // a number is no text
 
   /// Whether the text begins with `s`, compared byte by byte, NUL too.
   template <class Text>
@@ -580,17 +598,17 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return !(a < b);
   }
   template <class N>
-  friend gcl_text::IfNumberThen<N, bool> operator==(GCL_String const&,
-                                                    N) = delete;  // a number is no text
+  friend gcl_text::IfNumberThen<N, bool> operator==(  // a number is no text
+      GCL_String const&, N) = delete;
   template <class N>
-  friend gcl_text::IfNumberThen<N, bool> operator==(N, GCL_String const&) =
-      delete;  // a number is no text
+  friend gcl_text::IfNumberThen<N, bool> operator==(  // a number is no text
+      N, GCL_String const&) = delete;
   template <class N>
-  friend gcl_text::IfNumberThen<N, bool> operator!=(GCL_String const&,
-                                                    N) = delete;  // a number is no text
+  friend gcl_text::IfNumberThen<N, bool> operator!=(  // a number is no text
+      GCL_String const&, N) = delete;
   template <class N>
-  friend gcl_text::IfNumberThen<N, bool> operator!=(N, GCL_String const&) =
-      delete;  // a number is no text
+  friend gcl_text::IfNumberThen<N, bool> operator!=(  // a number is no text
+      N, GCL_String const&) = delete;
 
 #if defined(__cpp_lib_three_way_comparison)
   friend std::strong_ordering operator<=>(GCL_String const& a, GCL_String const& b) noexcept {
@@ -614,11 +632,11 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return GCL_String::concatenate(gcl_text::view(a), b);
   }
   template <class N>
-  friend gcl_text::IfNumberThen<N, GCL_String> operator+(GCL_String const&,
-                                                         N) = delete;  // a number is no character
+  friend gcl_text::IfNumberThen<N, GCL_String> operator+(  // a number is no character
+      GCL_String const&, N) = delete;
   template <class N>
-  friend gcl_text::IfNumberThen<N, GCL_String> operator+(N, GCL_String const&) =
-      delete;  // a number is no character
+  friend gcl_text::IfNumberThen<N, GCL_String> operator+(  // a number is no character
+      N, GCL_String const&) = delete;
 
   /// @}
 
