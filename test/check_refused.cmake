@@ -1,0 +1,35 @@
+# Compiles SOURCE, made by coming_from.cmake, once without and once with each of its macros REFUSED_n,
+# by each of COMPILERS that is installed, in the language of STANDARD. Fails unless each macro stops the
+# compiler with a message that has the words in front of it.
+cmake_minimum_required(VERSION 3.25)
+
+file(STRINGS ${SOURCE} refusals REGEX "^// .*: .* REFUSED_")
+list(LENGTH refusals count)
+if(count EQUAL 0)
+  message(FATAL_ERROR "${SOURCE} has no refusals")
+endif()
+
+set(tried "")
+foreach(name IN LISTS COMPILERS)
+  unset(compiler CACHE)
+  find_program(compiler ${name})
+  if(NOT compiler OR compiler IN_LIST tried)
+    continue()
+  endif()
+  list(APPEND tried ${compiler})
+  set(command ${compiler} -std=c++${STANDARD} -fsyntax-only -I${INCLUDE} ${SOURCE})
+  execute_process(COMMAND ${command} COMMAND_ERROR_IS_FATAL ANY)
+  foreach(refusal IN LISTS refusals)
+    string(REGEX MATCH "^// (.*): (.*) (REFUSED_[0-9]+)$" matched "${refusal}")
+    set(words ${CMAKE_MATCH_1})
+    set(code ${CMAKE_MATCH_2})
+    execute_process(COMMAND ${command} -D${CMAKE_MATCH_3} RESULT_VARIABLE exit_code
+                    ERROR_VARIABLE output)
+    if(exit_code EQUAL 0)
+      message(SEND_ERROR "${name} compiles ${code}")
+    elseif(NOT output MATCHES "${words}")
+      message(SEND_ERROR "${name} does not say \"${words}\" of ${code}:\n${output}")
+    endif()
+  endforeach()
+endforeach()
+message(STATUS "${count} refusals by each of ${tried}")
