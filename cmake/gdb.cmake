@@ -10,9 +10,10 @@ install(FILES ${PROJECT_SOURCE_DIR}/tools/gdb_printers.py
         DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${gdb_library_dir}"
         RENAME $<TARGET_FILE_NAME:miroxgcl>-gdb.py COMPONENT runtime)
 
-# For the directory of the tests. A sanitizer's shadow memory does not go into a core file.
+# For the directory of the tests. A sanitizer's shadow memory does not go into a core file, and
+# gdb would see the emulator.
 function(add_gdb_test)
-  if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  if(CMAKE_CXX_FLAGS MATCHES "-fsanitize" OR CMAKE_CROSSCOMPILING)
     return()
   endif()
   add_executable(gdb_program gdb_program.cc)

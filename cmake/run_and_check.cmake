@@ -1,7 +1,7 @@
-# Runs PROGRAM with ARGUMENTS and no input. Fails unless it ends with EXIT_CODE and what it printed,
+# Runs PROGRAM, under EMULATOR if there is one, with ARGUMENTS and no input. Fails unless it ends with EXIT_CODE and what it printed,
 # on either stream, matches OUTPUT.
 execute_process(
-  COMMAND ${PROGRAM} ${ARGUMENTS}
+  COMMAND ${EMULATOR} ${PROGRAM} ${ARGUMENTS}
   INPUT_FILE /dev/null
   RESULT_VARIABLE exit_code
   OUTPUT_VARIABLE output
