@@ -29,11 +29,10 @@ class MIROXGCL_API GCL_Assert {
   static void gcl_assert(bool condition, char const* file, int line);
 };
 
-#define GCL_CHECK(condition) GCL_Assert::gcl_check(static_cast<bool>(condition), __FILE__, __LINE__)
+#define GCL_CHECK(condition) GCL_Assert::gcl_check((condition) ? true : false, __FILE__, __LINE__)
 #define GCL_CHECK_STATUS(status, condition) \
-  GCL_Assert::gcl_check((status), static_cast<bool>(condition), __FILE__, __LINE__)
-#define GCL_ASSERT(condition) \
-  GCL_Assert::gcl_assert(static_cast<bool>(condition), __FILE__, __LINE__)
+  GCL_Assert::gcl_check((status), (condition) ? true : false, __FILE__, __LINE__)
+#define GCL_ASSERT(condition) GCL_Assert::gcl_assert((condition) ? true : false, __FILE__, __LINE__)
 #define GCL_NOT_YET_IMPLEMENTED() GCL_Assert::gcl_not_yet_implemented(__FILE__, __LINE__)
 
 #endif
