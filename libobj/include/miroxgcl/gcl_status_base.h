@@ -17,6 +17,8 @@
 // assignment, has the other's code and stack and a collector that is new and empty. Should memory
 // for that collector be lacking, an assignment throws std::bad_alloc and leaves the target without
 // one: it then answers as if empty and collects nothing.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // a GCL_Status is never deleted as its base
 class MIROXGCL_API GCL_StatusBase : public GCL_Status {
  public:
   GCL_StatusBase();
@@ -47,5 +49,6 @@ class MIROXGCL_API GCL_StatusBase : public GCL_Status {
  private:
   std::unique_ptr<GCL_ImsgCollector> m_collector;
 };
+#pragma GCC diagnostic pop
 
 #endif
