@@ -1,17 +1,5 @@
-# How gdb shows the library's classes: a script that gdb loads together with the library, and the
-# test of it.
-
-# gdb finds the script by the library's full path, which is known when the prefix is: here the
-# installed tree cannot be moved.
-install(CODE "file(REAL_PATH \"${CMAKE_INSTALL_LIBDIR}\" gdb_library_dir
-                   BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")"
-        COMPONENT runtime)
-install(FILES ${PROJECT_SOURCE_DIR}/tools/gdb_printers.py
-        DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${gdb_library_dir}"
-        RENAME $<TARGET_FILE_NAME:miroxgcl>-gdb.py COMPONENT runtime)
-
-# For the directory of the tests. A sanitizer's shadow memory does not go into a core file, and
-# gdb would see the emulator.
+# The test of how gdb shows the library's classes. A sanitizer's shadow memory does not go into a core
+# file, and gdb would see the emulator.
 function(add_gdb_test)
   if(CMAKE_CXX_FLAGS MATCHES "-fsanitize" OR CMAKE_CROSSCOMPILING)
     return()

@@ -1,6 +1,9 @@
 # What `cmake --install` lays out: libraries, headers, the files that find_package() and pkg-config
 # read, and the examples. Nothing but the place of the debugger's script holds the prefix: the tree
 # may be moved.
+if(NOT MIROXGCL_INSTALL)
+  return()
+endif()
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/miroxgcl)
@@ -30,4 +33,12 @@ install(FILES ${PROJECT_BINARY_DIR}/miroxgcl.pc DESTINATION ${pc_dir} COMPONENT 
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples TYPE DOC COMPONENT documentation
         FILES_MATCHING PATTERN "*.cc")
-include(${PROJECT_SOURCE_DIR}/cmake/gdb.cmake)
+
+# gdb finds its script by the library's full path, which is known when the prefix is: here the
+# installed tree cannot be moved.
+install(CODE "file(REAL_PATH \"${CMAKE_INSTALL_LIBDIR}\" gdb_library_dir
+                   BASE_DIRECTORY \"\${CMAKE_INSTALL_PREFIX}\")"
+        COMPONENT runtime)
+install(FILES ${PROJECT_SOURCE_DIR}/tools/gdb_printers.py
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/gdb/auto-load\${gdb_library_dir}"
+        RENAME $<TARGET_FILE_NAME:miroxgcl>-gdb.py COMPONENT runtime)

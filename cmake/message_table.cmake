@@ -43,7 +43,9 @@ function(add_message_catalog target catalog)
     VERBATIM)
   add_custom_target(${target} ALL DEPENDS ${output})
   set_target_properties(${target} PROPERTIES CATALOG ${output})
-  install(FILES ${output} DESTINATION ${CMAKE_INSTALL_DATADIR}/nls/C COMPONENT runtime)
+  if(MIROXGCL_INSTALL)
+    install(FILES ${output} DESTINATION ${CMAKE_INSTALL_DATADIR}/nls/C COMPONENT runtime)
+  endif()
 endfunction()
 
 # From here on: this file as the script that compiles INPUT to OUTPUT, the source of TABLE.

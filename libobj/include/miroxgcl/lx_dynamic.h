@@ -20,6 +20,10 @@
 #ifndef MIROXGCL_LX_DYNAMIC_H
 #define MIROXGCL_LX_DYNAMIC_H
 
+#ifndef __cpp_exceptions
+#error "lx_dynamic.h needs exceptions: compile without -fno-exceptions"
+#endif
+
 #include <climits>
 #include <cstddef>
 #include <cstdint>
