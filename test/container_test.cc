@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <any>
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -52,59 +53,147 @@ TEST(Containers, ImpossibleSizesAreRefusedBeforeAnythingChanges) {
   }
 }
 
-// The items abcde in 8 slots, from slot 0, 3 or 6 on, inserted, appended or removed at an index, and
-// all slots after that, with what items left behind.
+// The items abcde in 8 slots of which the rest hold what was there before, from v to z.
 TEST(Containers, OnlyTheShorterSideMoves) {
-  std::pair<char const*, char const*> const cases[] = {
-      {"0i2", "b!cdexya"}, {"0i3", "abc!deyz"}, {"0i5", "abcde!yz"}, {"0a1", "b!cdexya"},
-      {"0r2", "aabdexyz"}, {"0r3", "abceexyz"}, {"3i0", "xy!abcde"}, {"3i3", "eyzabc!d"},
-      {"3a4", "!yzabcde"}, {"3r2", "xyzaabde"}, {"6i1", "cdexya!b"}, {"6i2", "!cdeyzab"},
-      {"6a1", "cdexyab!"}, {"6r1", "cdexyzaa"}, {"6r2", "deexyzab"}, {"0a2", "abc!deyz"},
+  enum what { inserts, appends, removes };
+  struct {
+    unsigned int first_slot;
+    what step;
+    unsigned int index;
+    char const* slots;
+  } const cases[] = {
+      {0, inserts, 2, "b!cdexya"}, {0, inserts, 3, "abc!deyz"}, {0, inserts, 5, "abcde!yz"},
+      {0, appends, 1, "b!cdexya"}, {0, appends, 2, "abc!deyz"}, {0, removes, 2, "aabdexyz"},
+      {0, removes, 3, "abceexyz"}, {3, inserts, 0, "xy!abcde"}, {3, inserts, 3, "eyzabc!d"},
+      {3, appends, 4, "!yzabcde"}, {3, removes, 2, "xyzaabde"}, {6, inserts, 1, "cdexya!b"},
+      {6, inserts, 2, "!cdeyzab"}, {6, appends, 1, "cdexyab!"}, {6, removes, 1, "cdexyzaa"},
+      {6, removes, 2, "deexyzab"},
   };
-  for (auto const& [step, after] : cases) {
+  for (auto const& row : cases) {
     LX_TDynamic<char> a(8);
-    for (char c : std::string("mnopqrstuvwxyzabcde").substr(static_cast<unsigned>('6' - step[0]))) {
+    for (char c : std::string("mnopqrstuvwxyzabcde").substr(6 - row.first_slot)) {
       a.Append(c);
       if (a.Length() > 5) a.Remove(0);
     }
-    char const* const slots = &a.First() - (step[0] - '0');
-    auto const i = static_cast<unsigned int>(step[2] - '0');
-    step[1] == 'i' ? a.Insert('!', i) : step[1] == 'a' ? a.Append('!', i) : a.Remove(i);
-    EXPECT_EQ(std::string(slots, 8), after) << step;
+    char const* const slots = &a.First() - row.first_slot;
+    if (row.step == inserts) a.Insert('!', row.index);
+    if (row.step == appends) a.Append('!', row.index);
+    if (row.step == removes) a.Remove(row.index);
+    EXPECT_EQ(std::string(slots, 8), row.slots);
   }
 }
 
-// Containers with room and a full one, on which each step fails wherever it can. They work on, and
-// those that do not keep their value keep their length or are empty.
-template <class C>
-void check_failures(C const& empty, bool keeps_inside, bool keeps_assigned) {
-  C const other = filled(empty, 5);
-  std::pair<bool, void (*)(C&, C const&)> const steps[] = {
-      {true, [](C& c, C const& d) { c.Insert(d.Last()); }},
-      {true, [](C& c, C const&) { c.Append(c.First()); }},
-      {true, [](C& c, C const&) { c = C(c); }},
-      {keeps_inside, [](C& c, C const& d) { c.Insert(d.Last(), 1); }},
-      {keeps_assigned, [](C& c, C const& d) { c = d; }},
+// Values that own others of their kind. The second cannot be moved: an array copies it to grow.
+template <template <class> class Container>
+struct node {
+  node(int v = 0) : value(v) {}  // NOLINT(google-explicit-constructor)
+  int value;
+  Container<node> kids;
+  friend bool operator==(node const& a, node const& b) { return a.value == b.value; }
+};
+struct fixed_node {
+  fixed_node(int v = 0) : value(v) {}  // NOLINT(google-explicit-constructor)
+  fixed_node(fixed_node const&) = default;
+  fixed_node& operator=(fixed_node const&) = default;
+  int value;
+  LX_TDynamic<fixed_node> kids;
+  friend bool operator==(fixed_node const& a, fixed_node const& b) { return a.value == b.value; }
+};
+template <class T>
+using collection_of = LX_TDynamicCollection<T>;
+template <class T>
+using list_of = LX_TUnbounded<T>;
+template <class T>
+using stack_of = LX_TUnboundedStack<T>;
+
+template <class Node, class Assign>
+void check_assignment_from_within(Assign assign) {
+  Node child(1), root;
+  child.kids = {2, 3};
+  root.kids = {child, 4};
+  assign(root.kids, const_cast<Node&>(*root.kids.begin()).kids);
+  EXPECT_TRUE(root.kids == child.kids);
+}
+
+TEST(Containers, WhatAnItemOwnsCanBeAssignedToItsContainer) {
+  auto const copies = [](auto& to, auto& from) { to = from; };
+  auto const moves = [](auto& to, auto& from) { to = std::move(from); };
+  check_assignment_from_within<fixed_node>(copies);
+  check_assignment_from_within<fixed_node>(moves);
+  check_assignment_from_within<node<collection_of>>(copies);
+  check_assignment_from_within<node<list_of>>(copies);
+  check_assignment_from_within<node<list_of>>(moves);
+  using collection = LX_TCollection<node<collection_of>>;
+  check_assignment_from_within<node<collection_of>>(
+      [](collection& to, collection& from) { to = from; });
+  check_assignment_from_within<node<stack_of>>(copies);
+}
+
+TEST(Containers, WhatAnItemOwnsCanBePutInItsArray) {
+  using array = LX_TDynamic<fixed_node>;
+  void (*const steps[])(array&, fixed_node const&) = {
+      [](array& a, fixed_node const& n) { a.Append(n); },
+      [](array& a, fixed_node const& n) { a.Insert(n); },
+      [](array& a, fixed_node const& n) { a.Append(n, 0); },
+      [](array& a, fixed_node const& n) { a.Insert(n, 2); },
+      [](array& a, fixed_node const& n) { a.Replace(1, n); },
   };
-  for (auto const& step : steps) {
+  for (auto step : steps) {
+    for (int n : {3, 4}) {  // with room, and full
+      array a = filled(array(4), n);
+      a[1].kids = {9};
+      step(a, a[1].kids[0]);
+      EXPECT_NE(a.Location(9, 0), -1);
+    }
+  }
+}
+
+struct alignas(64) wide {
+  friend bool operator==(wide const&, wide const&) { return true; }
+};
+
+template <class Container>
+void check_alignment(Container c) {
+  for (int k = 0; k < 9; ++k) c.Add(wide());
+  for (wide const& item : c) EXPECT_EQ(reinterpret_cast<std::uintptr_t>(&item) % alignof(wide), 0u);
+}
+
+TEST(Containers, ItemsAreAlignedAsTheyAsk) {
+  check_alignment(LX_TDynamicCollection<wide>(2));
+  check_alignment(LX_TUnboundedStack<wide>());
+}
+
+// Containers with room and a full one, on which each step fails wherever it can: they keep their
+// value and work on.
+template <class C>
+void check_failures(C const& empty) {
+  C const other = filled(empty, 5);
+  void (*const steps[])(C&, C const&) = {
+      [](C& c, C const& d) { c.Insert(d.Last()); },
+      [](C& c, C const&) { c.Append(c.First()); },
+      [](C& c, C const& d) { c.Insert(d.Last(), 1); },
+      [](C& c, C const&) { c.Remove(1); },
+      [](C& c, C const&) { c = C(c); },
+      [](C& c, C const& d) { c = d; },
+  };
+  for (auto step : steps) {
     for (int n : {3, 4, 6}) {
       auto const prepare = [&] { return filled(empty, n); };
       auto const check = [&](C& c, bool failed) {
         C expected = prepare();
-        if (!step.first && (c.Length() == expected.Length() || c.Length() == 0)) expected = c;
         for (int k = 0; k < 6; ++k) c.Append(k), expected.Append(k);
         EXPECT_TRUE(!failed || c == expected) << n;
       };
       fail_each_allocation(
-          prepare, [&](C& c) { step.second(c, other); }, check);
+          prepare, [&](C& c) { step(c, other); }, check);
     }
   }
 }
 
 TEST(Containers, FailuresLeaveAWorkingContainer) {
-  check_failures(LX_TDynamic<item>(4), false, false);
-  check_failures(LX_TDynamic<movable>(4), true, false);
-  check_failures(LX_TUnbounded<item>(), true, true);
+  check_failures(LX_TDynamic<item>(4));
+  check_failures(LX_TDynamic<movable>(4));
+  check_failures(LX_TUnbounded<item>());
   auto const list = [](int) { LX_TUnbounded<item>{1, 2}; };
   std::size_t const held = failing_allocator::live_blocks();
   EXPECT_GT(fail_each_allocation([] { return 0; }, list, [](int, bool) {}), 4);
@@ -116,16 +205,20 @@ TEST(Containers, FailuresLeaveAWorkingContainer) {
 }
 
 void const* s_lockable;
-int s_calls;  // 1 for each Lock() and 10 for each Unlock() of that object, 1000 for another's
+std::string s_calls;  // of Lock() and Unlock()
+
+void note(char const* call, void const* object) {
+  s_calls += object == s_lockable ? call : "of another ";
+}
 
 struct locked_collection : LX_TDynamicCollection<item> {
-  void Lock() const override { s_calls += this == s_lockable ? 1 : 1000; }
-  void Unlock() const override { s_calls += this == s_lockable ? 10 : 1000; }
+  void Lock() const override { note("lock ", this); }
+  void Unlock() const override { note("unlock ", this); }
 };
 
 struct locked_stack : LX_TUnboundedStack<item> {
-  void Lock() override { s_calls += this == s_lockable ? 1 : 1000; }
-  void Unlock() override { s_calls += this == s_lockable ? 10 : 1000; }
+  void Lock() override { note("lock ", this); }
+  void Unlock() override { note("unlock ", this); }
 };
 
 // Only `lockable` is locked: once, and not for long when something throws.
@@ -134,21 +227,30 @@ void check_locks(Container& a, Container& b, void const* lockable) {
   s_lockable = lockable;
   for (int k : {1, 2, 3}) a.Add(k % 3), b.Add(k);
   EXPECT_TRUE(a != b);
-  auto const operation = [&](int) { EXPECT_TRUE((a = b) == b); };
-  auto const check = [&](int, bool) { EXPECT_EQ(s_calls, a.IsEmpty() ? 11 : 22); };
-  fail_each_allocation([] { return s_calls = 0; }, operation, check);
+  auto const prepare = [] { return s_calls.clear(), 0; };
+  auto const check = [&](int, bool) { EXPECT_EQ(s_calls, "lock unlock "); };
+  fail_each_allocation(
+      prepare, [&](int) { a = b; }, check);
+  fail_each_allocation(
+      prepare, [&](int) { EXPECT_TRUE(a == b); }, check);
   a.Add(4);
   EXPECT_TRUE(a != b);
-  s_calls = 0;
-  EXPECT_TRUE((a = a) == a && a.Cardinality() == 4 && s_calls == 0);
+  s_calls.clear();
+  EXPECT_TRUE((a = a) == a && a.Cardinality() == 4 && s_calls.empty());
 }
 
 TEST(Containers, CollectionsLockThemselvesAndStacksTheOther) {
   locked_collection a, b;
+  LX_TCollection<item>& abstract_a = a;
   check_locks<LX_TCollection<item>>(a, b, &a);
   locked_stack c, d;
+  LX_TStack<item>& abstract_c = c;
   check_locks<LX_TStack<item>>(c, d, &d);
-  EXPECT_TRUE((a = b) == b && (c = d) == d && s_calls == 0);  // of one class
+  EXPECT_TRUE((a = b) == b && (c = d) == d && s_calls.empty());  // of one class
+  s_lockable = &a;
+  EXPECT_TRUE(abstract_a == b);  // under C++20 too
+  EXPECT_EQ(s_calls, "lock unlock ");
+  EXPECT_TRUE(abstract_c == d && !(abstract_c != d) && !(abstract_a != b));
 }
 
 template <class Iterator, class C>
@@ -185,10 +287,15 @@ TEST(Containers, StringListsAreValuesAndSlotsLeftBehindKeepTheirStrings) {
   EXPECT_EQ(x.body()->reference_count(), 4u);
 }
 
-TEST(Containers, LongListsAreWalkedInLinearTime) {
+TEST(Containers, LongListsAreWalkedAndAssignedInLinearTime) {
   LX_TUnbounded<unsigned int> l;
-  for (unsigned int i = 0; i < 1000000; ++i) l.Append(i);
+  LX_TDynamicCollection<unsigned int> a, b(1);
+  a.Preallocate(1000000);
+  for (unsigned int i = 0; i < 1000000; ++i) l.Append(i), a.Append(i);
   for (unsigned int i = 1000000; i > 0; --i) ASSERT_EQ(l[i - 1], i - 1);
+  LX_TCollection<unsigned int>&from = a, &to = b;
+  to = from;
+  EXPECT_TRUE(a == b);
 }
 
 #ifdef MIROXGCL_CHECK_PRECONDITIONS
@@ -196,29 +303,40 @@ TEST(Containers, LongListsAreWalkedInLinearTime) {
 TEST(Containers, ViolationsAreDescribed) {
   LX_TDynamicCollection<int> a{0}, none;
   LX_TUnbounded<int> l{0}, empty;
-  auto const expect = [](char const* description, char const* reason, auto run) {
+  auto const expect = [](char const* kind, std::string const& location, char const* reason,
+                         auto run) {
     try {
       run();
-      ADD_FAILURE() << description;
+      ADD_FAILURE() << location;
     } catch (LX_XException const& e) {
-      EXPECT_EQ(std::string(e.kind()) + ' ' + e.location(), description);
-      EXPECT_EQ(e.what(), e.location() + std::string(": ") + reason);
+      EXPECT_STREQ(e.kind(), kind);
+      EXPECT_EQ(e.what(), location + ": " + reason);
     }
   };
-  expect("Range_Error LX_TDynamic::Insert", LX_kInvalidIndex, [&] { a.Insert(1, 2); });
-  expect("Range_Error LX_TDynamic::Append", LX_kInvalidIndex, [&] { a.Append(1, 1); });
-  expect("Range_Error LX_TDynamic::Remove", LX_kInvalidIndex, [&] { a.Remove(1); });
-  expect("Range_Error LX_TDynamic::Replace", LX_kInvalidIndex, [&] { a.Replace(1, 1); });
-  expect("Range_Error LX_TDynamic::Location", LX_kInvalidIndex,
-         [&] { LX_TDynamic<int>().Location(1, 1); });
-  expect("Underflow LX_TUnbounded::Remove", LX_kEmpty, [&] { empty.Remove(0); });
-  expect("Range_Error LX_TDynamic<>::operator[]", LX_kInvalidIndex, [&] { a[1] = 1; });
-  expect("Range_Error LX_TUnbounded::Insert", LX_kInvalidIndex, [&] { l.Insert(1, 1); });
-  expect("Range_Error LX_TUnbounded::Append", LX_kInvalidIndex, [&] { l.Append(1, 2); });
-  expect("Range_Error LX_TUnbounded<>::operator[]", LX_kInvalidIndex, [&] { l[1] = 1; });
-  expect("Not_Null LX_TDynamic<>::SetChunkSize", LX_kNotEmpty, [&] { a.SetChunkSize(0); });
-  expect("Underflow LX_TUnbounded<>::First()", LX_kEmpty, [&] { empty.First() = 1; });
-  expect("Underflow LX_TDynamic::Remove", LX_kEmpty, [&] { none.Remove(0); });
+  auto const bad_index = [&](char const* location, auto run) {
+    expect("Range_Error", location, LX_kInvalidIndex, run);
+  };
+  auto const nothing = [&](char const* location, auto run) {
+    expect("Underflow", location, LX_kEmpty, run);
+  };
+  bad_index("LX_TDynamic::Insert", [&] { a.Insert(1, 2); });
+  bad_index("LX_TDynamic::Append", [&] { a.Append(1, 1); });
+  bad_index("LX_TDynamic::Remove", [&] { a.Remove(1); });
+  bad_index("LX_TDynamic::Replace", [&] { a.Replace(1, 1); });
+  bad_index("LX_TDynamic::Location", [&] { LX_TDynamic<int>().Location(1, 1); });
+  bad_index("LX_TDynamic::ItemAt", [&] { a.ItemAt(1); });
+  bad_index("LX_TDynamic<>::operator[]", [&] { a[1] = 1; });
+  bad_index("LX_TUnbounded::Insert", [&] { l.Insert(1, 1); });
+  bad_index("LX_TUnbounded::Append", [&] { l.Append(1, 2); });
+  bad_index("LX_TUnbounded::ItemAt", [&] { l.ItemAt(1); });
+  bad_index("LX_TUnbounded<>::operator[]", [&] { l[1] = 1; });
+  nothing("LX_TDynamic::First", [&] { none.First(); });
+  nothing("LX_TDynamic::Last", [&] { none.Last(); });
+  nothing("LX_TDynamic::Remove", [&] { none.Remove(0); });
+  nothing("LX_TUnbounded<>::First()", [&] { empty.First() = 1; });
+  nothing("LX_TUnbounded::Last", [&] { empty.Last(); });
+  nothing("LX_TUnbounded::Remove", [&] { empty.Remove(0); });
+  expect("Not_Null", "LX_TDynamic<>::SetChunkSize", LX_kNotEmpty, [&] { a.SetChunkSize(0); });
 }
 
 #endif

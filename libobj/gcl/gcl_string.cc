@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <stdexcept>
 
 template class GCL_Handle<GCL_StringRep>;
 
@@ -187,6 +188,8 @@ GCL_String const& GCL_String::reserve(unsigned int n) const {
   take_body(room == 0 ? nullptr : GCL_StringRep::make(length(), room, c_str()));
   return *this;
 }
+
+void GCL_String::throw_out_of_range() { throw std::out_of_range("GCL_String::at"); }
 
 GCL_String GCL_String::concatenate(std::string_view a, std::string_view b) {
   unsigned int const length = GCL_StringRep::checked_length(std::uint64_t{a.size()} + b.size());

@@ -65,11 +65,17 @@ struct beside {
 // With the capacity by the rules of growth.
 template <class T>
 void arrays(fuzz_input& input) {
-  struct walked : beside<T, LX_TDynamic<T, counting>> {
+  struct walked : beside<T, LX_TDynamicCollection<T, counting>> {
     std::size_t slots = 0;
     void resize(std::size_t n) {
       std::size_t const chunk = this->real.ChunkSize() != 0 ? this->real.ChunkSize() : 32;
       slots = (n + chunk - 1) / chunk * chunk;
+    }
+    void assign(walked& other, bool as_abstract) {
+      LX_TCollection<T>&to = this->real, &from = other.real;
+      as_abstract ? void(to = from) : void(this->real = other.real);
+      this->model = other.model;
+      resize(this->model.size());
     }
   } both[2];
   for (unsigned int k = 0; !input.empty(); k = input.number(1)) {
@@ -77,7 +83,7 @@ void arrays(fuzz_input& input) {
     auto const n = a.model.size();
     unsigned int const what = input.number(15);
     if (what == 0) a.real.SetChunkSize(input.number(7) + 1);
-    if (what == 1) a.real = both[1 - k].real, a.model = both[1 - k].model, a.resize(a.model.size());
+    if (what == 1) a.assign(both[1 - k], input.number(1) != 0);
     if (what == 2) std::swap(both[0], both[1]), a.real = *&a.real;
     if (what == 3 && n < 20) a.real.Preallocate(20), a.resize(20);
     if (what == 4) a.real.Clear(), a.model.clear(), a.slots = 0;

@@ -15,7 +15,6 @@
 #include <functional>
 #include <iosfwd>
 #include <iterator>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -185,7 +184,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   /// The byte at `pos`. Throws std::out_of_range when `pos` is not below length(), as std::string's
   /// does; no other operation throws for a position.
   char const& at(std::size_t pos) const {
-    if (pos >= length()) throw std::out_of_range("GCL_String::at");
+    if (pos >= length()) throw_out_of_range();
     return bytes()[pos];
   }
   /// The first byte. REQUIRES: not empty.
@@ -661,6 +660,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   GCL_String& replace_array(unsigned int pos, unsigned int n, char const* s, unsigned int slen);
   GCL_String& append_slow_path(char c, unsigned int count);
   GCL_String& put_at_slow_path(unsigned int pos, char c);
+  [[noreturn]] static void throw_out_of_range();
   unsigned int find(gcl_text::Sought const& s, unsigned int pos) const;
   unsigned int rfind(gcl_text::Sought const& s, unsigned int last) const;
   unsigned int find_first_of(gcl_text::Sought const& set, unsigned int pos) const;

@@ -46,8 +46,7 @@
 template <class T>
 struct LX_TIsRelocatable : std::is_trivially_copyable<T> {};
 
-// When T's copying or M throws, the array keeps its value; an assignment whose items cannot be put
-// into the slots leaves it empty. An argument may be an item of this array, or belong to one. A slot
+// When T's copying or M throws, the array keeps its value. An argument may be an item of this array, or belong to one. A slot
 // that an item has left keeps a copy of it until it is overwritten or the slots are released, where
 // copying cannot throw.
 //
@@ -483,14 +482,17 @@ template <class T, class M>
 LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(LX_TDynamic const& other) {
   if (&other == this) return *this;
   unsigned int const n = other.Length();
-  if (!MayOwn() || m_size == 0 || n == 0) {
-    AssignItems(n, [&other](unsigned int i) -> T const& { return other.m_items[other.SlotOf(i)]; });
-    return *this;
+  auto const their_item = [&other](unsigned int i) -> T const& {
+    return other.m_items[other.SlotOf(i)];
+  };
+  if (!MayOwn() || m_size == 0 || n == 0) return AssignItems(n, their_item), *this;
+  if constexpr (ChangesACopy()) {
+    LX_TDynamic fresh(m_chunk_size);
+    fresh.AssignItems(n, their_item);
+    return *this = std::move(fresh);
   }
   Slots copies(n);
-  for (unsigned int i = n; i > 0; --i) {
-    copies.Build(static_cast<T const&>(other.m_items[other.SlotOf(i - 1)]));
-  }
+  for (unsigned int i = n; i > 0; --i) copies.Build(their_item(i - 1));
   AssignItems(n, [&copies](unsigned int i) -> T& { return copies.Data()[i]; });
   return *this;
 }
