@@ -10,16 +10,19 @@
 // time and has the empty text in every layout.
 class MIROXGCL_API GCL_DateTime : public LX_CTime {
  public:
-  // What a text that leaves the year or the day open means: the latest such time not after now, or
-  // the earliest not before now.
+  // What a text that leaves the day, the year or its century open means: the latest such time not
+  // after now, or the earliest not before now.
   enum TimeFrame : int { past = 0, future = 1 };
 
   GCL_DateTime() noexcept : LX_CTime(0) {}
   explicit GCL_DateTime(long time) noexcept : LX_CTime(time) {}
 
   // Reads `text`: one of the layouts below, `now`, `today`, `yesterday`, `tomorrow`, or seconds as
-  // `@1234`. Sets the status to ok, or to 1001 when the text is none of these or names a day or
-  // time that there is not or that `long` cannot hold; the object is then no time.
+  // `@1234`. Sets the status to ok, or to 1001 when the text is none of these or names a day
+  // that does not exist or a time that `long` cannot hold; the object is then no time, unless the
+  // product's own date service has written another. Of a time that comes twice when the clock is put
+  // back, a text that leaves nothing open means the earlier; one that is skipped when the clock is
+  // put forward moves forward by the gap.
   GCL_DateTime(GCL_Status& status, GCL_String const& text, TimeFrame frame);
 
   GCL_String token_date() const;             // 2026-11-22

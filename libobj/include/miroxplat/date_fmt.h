@@ -2,8 +2,8 @@
 // UTC.
 //
 // Names are English whatever the locale. A change of TZ takes effect at the next call. A formatted
-// text stands in memory of its function until the next call of that function; a time whose year the
-// calendar cannot hold formats as the empty text. Nothing is printed.
+// text is in memory of the calling thread and is valid until that thread calls the same function
+// again; the main thread's outlive every static object. Nothing is printed.
 #ifndef MIROXPLAT_DATE_FMT_H
 #define MIROXPLAT_DATE_FMT_H
 
@@ -27,12 +27,15 @@ MIROXPLAT_API char const* date_fmt_ls_date_time(long t);
 // Reads a text in one of the eight layouts, or `now`, `today`, `yesterday`, `tomorrow`, or seconds
 // since 1970 as `@1234`. 0 on success; non-zero, with `*t` left alone, for anything else: days that
 // the calendar does not have, a weekday that is not the date's, blanks or text around it, times
-// outside `long`.
+// outside `long`. What was read before has no influence.
 //
-// A year or date that the text leaves open makes it the latest such time not after now for `frame`
-// 0, the earliest not before now otherwise. A date without a time is its midnight. Years of two
-// digits are 1969 to 2068. A time that the change to daylight saving skips is moved by the hour;
-// one that comes twice is either of the two.
+// A date, a year or the century of a year that the text leaves open makes it the latest such time
+// not after now for `frame` 0, the earliest not before now otherwise. Of a time that comes twice,
+// because the clock was put back, such a text means the one that the frame prefers, any other text
+// the earlier one. A time that was skipped, because the clock was put forward, moves forward by the
+// gap. A day that was skipped is refused; `yesterday` and `tomorrow` are then the day beyond it.
+// A date without a time is its midnight, or the day's first moment when midnight was skipped. The
+// second 60 is read where the zone counts leap seconds.
 MIROXPLAT_API int date_str_to_time2(char const* text, int frame, long* t);
 
 #ifdef __cplusplus
