@@ -4,6 +4,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
+#include <string>
 
 namespace {
 
@@ -41,6 +42,15 @@ void copy_procs(imsg_redirect_proc const* from, int count, imsg_redirect_proc* t
 void deliver(int slot, char* text) {
   imsg_redirect_proc const proc = s_table.procs[slot];
   (proc != nullptr ? proc : own_table.procs[slot])(s_table.arg, text);
+}
+
+// For a format that the C library cannot fill: what it says is better than nothing. The receiver
+// gets a copy, which it may write to. Returns its length.
+int deliver_as_it_stands(int slot, char const* format) {
+  std::string text(format);
+  auto const length = static_cast<int>(text.size());
+  deliver(slot, text.data());
+  return length;
 }
 
 // The first byte from `p` on outside low..high. Stops at a NUL, which no range holds.
@@ -97,12 +107,13 @@ void imsg_set_redirect_procs(imsg_redirect_proc const* procs, int count, void* a
 
 int imsg_print(int slot, char const* format, int reserved, ...) {
   if (slot < 0 || slot >= IMSG_PROC_COUNT) return -1;
+  if (format == nullptr) return deliver_as_it_stands(slot, "(null)");
   char usual[usual_message_size];
   va_list arguments;
   va_start(arguments, reserved);
   int const length = std::vsnprintf(usual, sizeof usual, format, arguments);
   va_end(arguments);
-  if (length < 0) return -1;
+  if (length < 0) return deliver_as_it_stands(slot, format);
 
   auto const size = static_cast<std::size_t>(length) + 1;
   if (size <= sizeof usual) {
@@ -113,7 +124,7 @@ int imsg_print(int slot, char const* format, int reserved, ...) {
   va_start(arguments, reserved);
   int const written = std::vsnprintf(whole.get(), size, format, arguments);
   va_end(arguments);
-  if (written < 0) return -1;
+  if (written < 0) return deliver_as_it_stands(slot, format);
   deliver(slot, whole.get());
   return written;
 }
@@ -123,6 +134,7 @@ int imsg_sprintf(char* dest, char const* format, int reserved, ...) {
   va_start(arguments, reserved);
   int const length = std::vsprintf(dest, format, arguments);
   va_end(arguments);
+  if (length < 0) *dest = '\0';
   return length;
 }
 

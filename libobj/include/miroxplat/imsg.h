@@ -28,12 +28,17 @@ MIROXPLAT_API void imsg_get_redirect_procs(int count, imsg_redirect_proc* procs,
 // procedure. Null entries are kept as given.
 MIROXPLAT_API void imsg_set_redirect_procs(imsg_redirect_proc const* procs, int count, void* arg);
 
-// Formats a message of any length as printf does and hands it to its slot, 0 to 10. `reserved` is
-// -1. Returns the message's length in bytes, or -1 for a slot outside the table or a bad format.
-MIROXPLAT_API int imsg_print(int slot, char const* format, int reserved, ...);
+// Formats a message of any length as printf does and hands it to its slot, 0 to 10. A format that
+// the C library cannot fill (a wide character that the locale lacks, more than INT_MAX bytes) is
+// handed over as it stands. `reserved` is -1. Returns the length in bytes of what was handed over;
+// -1, and nothing is, for a slot outside the table.
+MIROXPLAT_API int imsg_print(int slot, char const* format, int reserved, ...)
+    MIROXPLAT_PRINTF(2, 4);
 
-// Formats as sprintf does into `dest`, which must have room. `reserved` is -1. Returns the length.
-MIROXPLAT_API int imsg_sprintf(char* dest, char const* format, int reserved, ...);
+// Formats as sprintf does into `dest`, which must have room. `reserved` is -1. Returns the length;
+// -1, and the empty text in `dest`, for a format that the C library cannot fill.
+MIROXPLAT_API int imsg_sprintf(char* dest, char const* format, int reserved, ...)
+    MIROXPLAT_PRINTF(2, 4);
 
 // Copies `src` to `dest` without its style sequences (the ECMA-48 terminal sequences that begin
 // with ESC) and ends it with a NUL. `dest` needs strlen(src) + 1 bytes. An unfinished sequence at
