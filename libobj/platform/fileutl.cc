@@ -20,6 +20,7 @@ namespace {
 constexpr int success = 0;
 constexpr int failure = 1;
 constexpr std::size_t longest_result = 1023;
+constexpr char unknown_source[] = "-";  // as df prints it
 
 struct free_deleter {
   void operator()(char* p) const { std::free(p); }
@@ -133,14 +134,36 @@ struct mount_entry {
   }
 };
 
+bool look_at(std::string const& path, struct statx* file) {
+  return statx(AT_FDCWD, path.c_str(), 0, STATX_BASIC_STATS | STATX_MNT_ID, file) == 0;
+}
+
+bool knows_mount(struct statx const& file) { return (file.stx_mask & STATX_MNT_ID) != 0; }
+
+bool is_on_same_mount(struct statx const& a, struct statx const& b) {
+  if (knows_mount(a) && knows_mount(b)) return a.stx_mnt_id == b.stx_mnt_id;
+  return a.stx_dev_major == b.stx_dev_major && a.stx_dev_minor == b.stx_dev_minor;
+}
+
+// The topmost folder above a file that is on the same mount.
+std::string topmost_on_mount(std::string path, struct statx const& file) {
+  for (;;) {
+    std::string parent = split_leaf(path)[0];
+    struct statx above = {};
+    bool const goes_on = parent != path && look_at(parent, &above) && is_on_same_mount(above, file);
+    if (!goes_on) return path;
+    path = std::move(parent);
+  }
+}
+
 // The mount that a file is on: the kernel's own word for it if it gives one, else the longest mount
 // point above the file, where one of the file's device is preferred (others may be hidden below
-// it). The last of equals covers those before. An entry without a mount point means none was found.
+// it). The last of equals covers those before. A process whose root was changed does not see the
+// mount that its root is on, and perhaps no list: the source is unknown then.
 mount_entry find_mount(std::string const& path, struct statx const& file) {
   std::string const device =
       std::to_string(file.stx_dev_major) + ':' + std::to_string(file.stx_dev_minor);
-  bool const knows_id = (file.stx_mask & STATX_MNT_ID) != 0;
-  std::string const id = knows_id ? std::to_string(file.stx_mnt_id) : "unknown";
+  std::string const id = knows_mount(file) ? std::to_string(file.stx_mnt_id) : "unknown";
 
   mount_entry best("");
   auto const rank = [&](mount_entry const& entry) {
@@ -151,21 +174,25 @@ mount_entry find_mount(std::string const& path, struct statx const& file) {
     mount_entry entry(line);
     if (entry.is_above(path) && rank(entry) >= rank(best)) best = std::move(entry);
   }
+  bool const is_found = knows_mount(file) ? best.id == id : !best.point.empty();
+  if (!is_found) {
+    best.source = unknown_source;
+    best.point = topmost_on_mount(path, file);
+  }
   return best;
 }
 
-// Source, mount point and path below it; nothing when the path cannot be found.
-std::vector<std::string> locate(char const* path) {
+// Source, mount point and path below it.
+int locate(char const* path, std::vector<std::string>* results) {
   c_text const real(realpath(path, nullptr));
-  struct statx file = {};
-  if (!real || statx(AT_FDCWD, real.get(), 0, STATX_BASIC_STATS | STATX_MNT_ID, &file) != 0) {
-    return {};
-  }
+  if (!real) return FILEUTL_NO_FILE;
   std::string const name = real.get();
+  struct statx file = {};
+  if (!look_at(name, &file)) return FILEUTL_NO_ATTRIBUTES;
   mount_entry const mount = find_mount(name, file);
-  if (mount.point.empty()) return {};
   std::size_t const below = without_end_slashes(mount.point).size() + 1;
-  return {mount.source, mount.point, name.substr(std::min(below, name.size()))};
+  *results = {mount.source, mount.point, name.substr(std::min(below, name.size()))};
+  return success;
 }
 
 }  // namespace
@@ -191,6 +218,9 @@ int fileutl_strip_leaf(char const* path, int dir_size, char* dir, int leaf_size,
 int fileutl_path_locate(char const* path, char* source, int source_size, char* mount,
                         int mount_size, char* below, int below_size) {
   std::vector<std::string> results;
-  if (!is_empty(path)) results = locate(path);
-  return store(results, {{source, source_size}, {mount, mount_size}, {below, below_size}});
+  int code = FILEUTL_NO_NAME;
+  if (!is_empty(path)) code = locate(path, &results);
+  int const stored =
+      store(results, {{source, source_size}, {mount, mount_size}, {below, below_size}});
+  return code == success && stored != success ? int{FILEUTL_NO_ROOM} : code;
 }

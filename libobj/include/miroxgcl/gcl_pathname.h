@@ -55,7 +55,8 @@ class MIROXGCL_API GCL_Pathname : public GCL_String {
   GCL_Pathname basename() const;
 
   // Where an existing file is: the source of the mounted file system, its mount point, and the path
-  // below that; all three empty when the file does not exist. What the arguments held is lost.
+  // below that; all three empty when the file does not exist. The source is "-" where the system
+  // does not name it, as after chroot(2). What the arguments held is lost. Nothing is printed.
   void components(GCL_String& source, GCL_Pathname& mount, GCL_Pathname& below) const;
 
  private:

@@ -21,9 +21,19 @@ MIROXPLAT_API int fileutl_abspn(char const* path, char* out, int size);
 MIROXPLAT_API int fileutl_strip_leaf(char const* path, int dir_size, char* dir, int leaf_size,
                                      char* leaf);
 
+// What fileutl_path_locate returns. Nothing but FILEUTL_OK is a success.
+enum {
+  FILEUTL_OK = 0,
+  FILEUTL_NO_NAME = 1,        // the path is null or empty
+  FILEUTL_NO_FILE = 2,        // no such file, or a folder on the way to it cannot be searched
+  FILEUTL_NO_ATTRIBUTES = 3,  // the system does not tell what the file is on
+  FILEUTL_NO_ROOM = 4         // a result has more than 1023 bytes, or more than its buffer holds
+};
+
 // Where an existing file is, links followed: the source of the mounted file system that holds it
 // (what `df` shows), the mount point, and the path from there on, which has no leading slash and
-// is empty for the mount point itself.
+// is empty for the mount point itself. The source is "-" where the system does not name it, as to a
+// process whose root was changed.
 MIROXPLAT_API int fileutl_path_locate(char const* path, char* source, int source_size, char* mount,
                                       int mount_size, char* below, int below_size);
 
