@@ -3,8 +3,9 @@
 #include <pwd.h>
 
 #include <cerrno>
-#include <cstring>
+#include <cstdlib>
 #include <functional>
+#include <thread>
 
 #include "miroxplat/imsg.h"
 #include "miroxplat/strutl.h"
@@ -35,6 +36,9 @@ TEST(Messages, ArriveWholeOrAreDisplayed) {
     EXPECT_EQ(imsg_print(3, "%s%d", -1, std::string(n, 'x').c_str(), 7), static_cast<int>(n + 1));
     EXPECT_EQ(s_messages, std::string(n, 'x') + "7");
   }
+  set_receivers(take);
+  EXPECT_EQ(imsg_print(6, "%d %ls\n", -1, 1, L"\x4E2D"), 7);  // no such character in this locale
+  EXPECT_EQ(s_messages, "%d %ls\n");
   EXPECT_EQ(imsg_print(IMSG_PROC_COUNT, "x", -1) + imsg_print(-1, "x", -1), -2);
   set_receivers(nullptr);
   testing::internal::CaptureStdout();
@@ -89,7 +93,7 @@ TEST(Texts, AreSearchedByWholeCharacters) {
   EXPECT_STREQ(lower, "a@[z");
 }
 
-TEST(Identities, AreRefusedWhenDamagedAndLookedUpWithPatience) {
+TEST(Identities, AreRefusedWhenDamaged) {
   set_receivers(take);
   credutl_sid_s user, group;
   ASSERT_EQ(sysutl_user_to_usid("root", 0, &user) + sysutl_group_to_gsid("root", 0, &group), 0);
@@ -100,22 +104,91 @@ TEST(Identities, AreRefusedWhenDamagedAndLookedUpWithPatience) {
     changed.bytes[bit / 8] = static_cast<unsigned char>(user.bytes[bit / 8] ^ 1 << bit % 8);
     EXPECT_EQ(sysutl_usid_to_user(&changed, 1, 0), nullptr);
   }
-  for (int const error : {ENOENT, EIO, ERANGE}) {
-    s_find_user = [=](auto...) { return error; };
-    EXPECT_EQ(sysutl_user_to_usid("a%n", 0, &user), error == ENOENT ? 2 : 1);
-    EXPECT_EQ(s_messages.find(std::strerror(error)) == s_messages.npos, error == ENOENT);
+}
+
+TEST(Identities, AreMissingOrTheDatabaseFails) {
+  struct {
+    int error, code;
+    std::string message;
+  } const rows[] = {
+      {0, 2, "No user is named \"a%n\""},       {ENOENT, 2, "No user is named"},
+      {ESRCH, 2, "No user is named"},           {EBADF, 2, "No user is named"},
+      {EPERM, 2, "No user is named"},           {EIO, 1, "failed: Input/output error."},
+      {EINTR, 1, "failed: Interrupted system"}, {ERANGE, 1, "takes more than 16777216 bytes."}};
+  for (auto const& row : rows) {
+    s_find_user = [&](auto...) { return row.error; };
+    credutl_sid_s user;
+    set_receivers(take);
+    EXPECT_EQ(sysutl_user_to_usid("a%n", 0, &user), row.code);
+    EXPECT_NE(s_messages.find(row.message), s_messages.npos) << s_messages;
+    s_messages.clear();
+    EXPECT_EQ(sysutl_user_to_fullname("a%n"), nullptr);
+    EXPECT_EQ(s_messages.empty(), row.code == 2);
   }
-  s_find_user = [calls = 0](passwd* entry, std::size_t size, passwd** found) mutable {
-    static char login[] = "ann", comment[] = "Dr & Co,Room 1", home[] = "/home";
-    entry->pw_name = login, entry->pw_gecos = comment, entry->pw_dir = home, *found = entry;
+}
+
+TEST(Identities, OfLongNamesAreNotAskedFor) {
+  int calls = 0;
+  s_find_user = [&](auto...) { return ++calls, ENOENT; };
+  set_receivers(take);
+  char home[] = "old";
+  EXPECT_FALSE(sysutl_get_homedir(std::string(4096, 'n').c_str(), 4, home));
+  EXPECT_EQ(calls, 1);
+  EXPECT_FALSE(sysutl_get_homedir(std::string(4097, 'n').c_str(), 4, home));
+  EXPECT_EQ(calls, 1);
+  EXPECT_NE(s_messages.find("nnn...\" on this system: the name has 4097 bytes"), s_messages.npos);
+}
+
+// The answer of a slow database for one who has these two fields.
+auto patient(char* comment, char* home) {
+  return [=, calls = 0](passwd* entry, std::size_t size, passwd** found) mutable {
+    static char login[] = "ann";
+    *entry = {};
+    entry->pw_name = login;
+    entry->pw_gecos = comment;
+    entry->pw_dir = home;
+    *found = entry;
     return ++calls < 3 ? EINTR : size < 100000 ? ERANGE : 0;
   };
+}
+
+TEST(Identities, AreLookedUpWithPatience) {
+  char comment[] = "Dr & Co,Room 1", folder[] = "/home", home[] = "0123456789";
+  s_find_user = patient(comment, folder);
   EXPECT_STREQ(sysutl_user_to_fullname("ann"), "Dr Ann Co");
-  char home[] = "0123456789";
   EXPECT_TRUE(sysutl_get_homedir("ann", 6, home));
   EXPECT_STREQ(home, "/home");
   EXPECT_FALSE(sysutl_get_homedir("ann", 5, home));
   EXPECT_STREQ(home, "");
+  s_find_user = patient(nullptr, nullptr);
+  EXPECT_EQ(sysutl_user_to_fullname("ann"), nullptr);
+  EXPECT_TRUE(sysutl_get_homedir("ann", 1, home));
+}
+
+char s_long_comment[] = "A full name that no string keeps within itself";
+
+// Ends the program unless the name that it keeps, and a new one, are there when it is destroyed.
+struct keeper {
+  char const* name = nullptr;
+  ~keeper() {
+    if (name == nullptr) return;
+    std::string const kept = name;
+    s_find_user = patient(s_long_comment, nullptr);
+    if (kept == s_long_comment && sysutl_user_to_fullname("ann") == kept) return;
+    std::fprintf(stderr, "A name did not outlive its user: \"%s\".\n", kept.c_str());
+    std::_Exit(1);
+  }
+};
+keeper s_keeper;
+
+TEST(Identities, OutliveStaticAndThreadLocalObjects) {
+  s_find_user = patient(s_long_comment, nullptr);
+  s_keeper.name = sysutl_user_to_fullname("ann");
+  std::thread([] {
+    static thread_local keeper own;
+    own.name = sysutl_user_to_fullname("ann");
+  }).join();
+  EXPECT_STREQ(s_keeper.name, s_long_comment);
   s_find_user = nullptr;
 }
 

@@ -4,6 +4,7 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -12,6 +13,7 @@
 
 #include "credutl_codec.h"
 #include "miroxplat/imsg.h"
+#include "thread_results.h"
 
 namespace {
 
@@ -22,6 +24,7 @@ constexpr int no_such_name = 2;
 constexpr int database_failure = 1;
 constexpr std::size_t first_buffer_size = 1024;
 constexpr std::size_t largest_buffer_size = std::size_t{16} << 20;
+constexpr int most_interruptions = 100;
 
 // What the user or group database answered. `entry` points into `texts`.
 template <class Entry>
@@ -32,22 +35,27 @@ struct answer {
   std::vector<char> texts;
 };
 
+// Whether this is one of the ways to say that there is no such entry; getpwnam(3) lists them.
+bool means_not_found(int error) {
+  return error == ENOENT || error == ESRCH || error == EBADF || error == EPERM;
+}
+
 // Asks one of the reentrant calls, with a buffer as large as the answer turns out to need.
 template <class Entry, class Key>
 answer<Entry> look_up(int (*query)(Key, Entry*, char*, std::size_t, Entry**), Key key) {
   answer<Entry> result;
   result.texts.resize(first_buffer_size);
   Entry* match = nullptr;
-  for (;;) {
+  for (int interruptions = 0;;) {
     std::size_t const size = result.texts.size();
     int const error = query(key, &result.entry, result.texts.data(), size, &match);
-    if (error == EINTR) continue;
+    if (error == EINTR && ++interruptions < most_interruptions) continue;
     if (error == ERANGE && size < largest_buffer_size) {
       result.texts.resize(size * 2);
       continue;
     }
     result.found = error == 0 && match != nullptr;
-    if (error != ENOENT && error != ESRCH) result.error = error;
+    if (!means_not_found(error)) result.error = error;
     return result;
   }
 }
@@ -55,6 +63,32 @@ answer<Entry> look_up(int (*query)(Key, Entry*, char*, std::size_t, Entry**), Ke
 char const* word_for(sid_kind kind) { return kind == sid_kind::user ? "user" : "group"; }
 
 char const* database_of(sid_kind kind) { return kind == sid_kind::user ? "passwd" : "group"; }
+
+// What went wrong in the database.
+std::string reason_of(int error) {
+  if (error != ERANGE) return std::strerror(error);
+  return "the entry takes more than " + std::to_string(largest_buffer_size) + " bytes";
+}
+
+// The length of the longest name that the system is asked for: a name of megabytes crashes some of
+// its name-service modules. Directory servers have names longer than the system's own limit.
+std::size_t longest_name() {
+  constexpr long usual = 4096;
+  return static_cast<std::size_t>(std::max(usual, sysconf(_SC_LOGIN_NAME_MAX)));
+}
+
+bool is_too_long(char const* name) {
+  std::size_t const longest = longest_name();
+  return strnlen(name, longest + 1) > longest;
+}
+
+// Asks for the entry of a name.
+template <class Entry>
+answer<Entry> look_up_name(int (*query)(char const*, Entry*, char*, std::size_t, Entry**),
+                           char const* name) {
+  if (name == nullptr || is_too_long(name)) return {};
+  return look_up(query, name);
+}
 
 // Prints why there is no such entry; `asked_for` is its name or number. Returns the failure's code.
 template <class Entry>
@@ -69,22 +103,27 @@ int report(answer<Entry> const& failed, sid_kind kind, char const* relation,
   imsg_print(error_slot,
              "Cannot look for the %s that %s \"%s\": the system's database failed: %s. See what "
              "/etc/nsswitch.conf names for \"%s\", and try again.\n",
-             -1, word, relation, asked_for, std::strerror(failed.error), database_of(kind));
+             -1, word, relation, asked_for, reason_of(failed.error).c_str(), database_of(kind));
   return database_failure;
 }
 
-// Looks up a name. On failure prints an error and leaves its code in `*code`, else 0.
-template <class Entry>
-answer<Entry> look_up_name(int (*query)(char const*, Entry*, char*, std::size_t, Entry**),
-                           sid_kind kind, char const* name, int* code) {
-  answer<Entry> result;
-  if (name != nullptr) result = look_up(query, name);
-  *code = result.found ? 0 : report(result, kind, "is named", name != nullptr ? name : "");
-  return result;
+// Prints that a name is too long, and shows its first characters. Returns the failure's code.
+int report_too_long(sid_kind kind, char const* name) {
+  int shown = 60;  // bytes, whole UTF-8 characters
+  while ((static_cast<unsigned char>(name[shown]) & 0xC0u) == 0x80) --shown;
+  imsg_print(error_slot,
+             "No %s is named \"%.*s...\" on this system: the name has %zu bytes, and names have at "
+             "most %zu. \"getent %s\" lists those there are.\n",
+             -1, word_for(kind), shown, name, std::strlen(name), longest_name(), database_of(kind));
+  return no_such_name;
 }
 
-answer<passwd> look_up_user(char const* name, int* code) {
-  return look_up_name(getpwnam_r, sid_kind::user, name, code);
+// 0 when the name was found. Otherwise prints why it was not, and returns the code.
+template <class Entry>
+int check_name(answer<Entry> const& result, sid_kind kind, char const* name) {
+  if (result.found) return 0;
+  if (name == nullptr) name = "";
+  return is_too_long(name) ? report_too_long(kind, name) : report(result, kind, "is named", name);
 }
 
 // Looks up a user or group number; prints an error on failure.
@@ -109,102 +148,104 @@ bool get_number(credutl_sid_s const* sid, sid_kind kind, std::uint32_t* number) 
   return false;
 }
 
+// Some databases leave fields out.
+char const* or_empty(char const* field) { return field != nullptr ? field : ""; }
+
 char capital(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; }
 
 // The comment field's first part, in which '&' stands for the capitalised login name.
 std::string full_name(passwd const& user) {
+  std::string login = or_empty(user.pw_name);
+  if (!login.empty()) login[0] = capital(login[0]);
   std::string result;
-  for (char const* p = user.pw_gecos; *p != '\0' && *p != ','; ++p) {
-    if (*p != '&') {
+  for (char const* p = or_empty(user.pw_gecos); *p != '\0' && *p != ','; ++p) {
+    if (*p == '&') {
+      result += login;
+    } else {
       result += *p;
-      continue;
     }
-    std::size_t const at = result.size();
-    result += user.pw_name;
-    result[at] = capital(result[at]);
   }
   return result;
+}
+
+// Keeps the name that was found where the caller may read it; null when none was found.
+char const* keep(answer<passwd> const& user, std::string& name) {
+  if (!user.found) return nullptr;
+  name = or_empty(user.entry.pw_name);
+  return name.c_str();
+}
+
+char const* keep(answer<group> const& found, std::string& name) {
+  if (!found.found) return nullptr;
+  name = or_empty(found.entry.gr_name);
+  return name.c_str();
 }
 
 }  // namespace
 
 char const* sysutl_myloginname(void) {
-  static std::string name;
-  auto const user = look_up_number(getpwuid_r, sid_kind::user, geteuid());
-  if (!user.found) return nullptr;
-  name = user.entry.pw_name;
-  return name.c_str();
+  return keep(look_up_number(getpwuid_r, sid_kind::user, geteuid()),
+              results_of_this_thread().my_login_name);
 }
 
 char const* sysutl_mygroupname(void) {
-  static std::string name;
-  auto const group = look_up_number(getgrgid_r, sid_kind::group, getegid());
-  if (!group.found) return nullptr;
-  name = group.entry.gr_name;
-  return name.c_str();
+  return keep(look_up_number(getgrgid_r, sid_kind::group, getegid()),
+              results_of_this_thread().my_group_name);
 }
 
 char const* sysutl_usid_to_user(credutl_sid_s const* sid, int, int) {
-  static std::string name;
   std::uint32_t number = 0;
   if (!get_number(sid, sid_kind::user, &number)) return nullptr;
-  auto const user = look_up_number(getpwuid_r, sid_kind::user, uid_t{number});
-  if (!user.found) return nullptr;
-  name = user.entry.pw_name;
-  return name.c_str();
+  return keep(look_up_number(getpwuid_r, sid_kind::user, uid_t{number}),
+              results_of_this_thread().user);
 }
 
 char const* sysutl_gsid_to_group(credutl_sid_s const* sid, int, int) {
-  static std::string name;
   std::uint32_t number = 0;
   if (!get_number(sid, sid_kind::group, &number)) return nullptr;
-  auto const group = look_up_number(getgrgid_r, sid_kind::group, gid_t{number});
-  if (!group.found) return nullptr;
-  name = group.entry.gr_name;
-  return name.c_str();
+  return keep(look_up_number(getgrgid_r, sid_kind::group, gid_t{number}),
+              results_of_this_thread().group);
 }
 
 int sysutl_user_to_usid(char const* name, int, credutl_sid_s* sid) {
-  int code = 0;
-  auto const user = look_up_user(name, &code);
+  auto const user = look_up_name(getpwnam_r, name);
   if (user.found) *sid = credutl::encode(sid_kind::user, user.entry.pw_uid);
-  return code;
+  return check_name(user, sid_kind::user, name);
 }
 
 int sysutl_user_to_gsid(char const* name, int, credutl_sid_s* sid) {
-  int code = 0;
-  auto const user = look_up_user(name, &code);
+  auto const user = look_up_name(getpwnam_r, name);
   if (user.found) *sid = credutl::encode(sid_kind::group, user.entry.pw_gid);
-  return code;
+  return check_name(user, sid_kind::user, name);
 }
 
 int sysutl_group_to_gsid(char const* name, int, credutl_sid_s* sid) {
-  int code = 0;
-  auto const group = look_up_name(getgrnam_r, sid_kind::group, name, &code);
+  auto const group = look_up_name(getgrnam_r, name);
   if (group.found) *sid = credutl::encode(sid_kind::group, group.entry.gr_gid);
-  return code;
+  return check_name(group, sid_kind::group, name);
 }
 
 char const* sysutl_user_to_fullname(char const* name) {
-  static std::string result;
-  int code = 0;
-  auto const user = look_up_user(name, &code);
-  result = user.found ? full_name(user.entry) : "";
+  auto const user = look_up_name(getpwnam_r, name);
+  if (user.error != 0) check_name(user, sid_kind::user, name);
+  if (!user.found) return nullptr;
+  std::string& result = results_of_this_thread().full_name;
+  result = full_name(user.entry);
   return result.empty() ? nullptr : result.c_str();
 }
 
 int sysutl_get_homedir(char const* name, int size, char* buffer) {
   if (size > 0) buffer[0] = '\0';
-  int code = 0;
-  auto const user = look_up_user(name, &code);
-  if (!user.found) return 0;
-  std::size_t const needed = std::strlen(user.entry.pw_dir) + 1;
+  auto const user = look_up_name(getpwnam_r, name);
+  if (check_name(user, sid_kind::user, name) != 0) return 0;
+  char const* const directory = or_empty(user.entry.pw_dir);
+  std::size_t const needed = std::strlen(directory) + 1;
   if (size <= 0 || static_cast<std::size_t>(size) < needed) {
     imsg_print(error_slot,
                "The home directory of the user \"%s\" needs a buffer of %zu bytes, not %d.\n", -1,
                name, needed, size);
     return 0;
   }
-  std::memcpy(buffer, user.entry.pw_dir, needed);
+  std::memcpy(buffer, directory, needed);
   return 1;
 }

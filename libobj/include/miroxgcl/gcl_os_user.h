@@ -19,7 +19,7 @@ class MIROXGCL_API GCL_OSUser {
 
   GCL_String user_name() const { return m_name; }
 
-  // The full name; the login name when there is none.
+  // The full name; the login name when there is none, or no such user. Never fails.
   GCL_String full_name() const;
 
   // The home directory. Fails with 1001 only, also when the text is longer than 1023 bytes.

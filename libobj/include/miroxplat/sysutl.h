@@ -1,7 +1,13 @@
 // System identity: the operating system's users and groups, whatever its name service draws on.
 //
-// A text that a function returns belongs to the service and stands until its next call. A look-up
-// that fails prints an error naming what was asked for, through the message service (slot 6).
+// A text that a function returns belongs to the service. It is valid until the same thread calls that
+// function again; the main thread's outlive every static object, another thread's its thread-local
+// objects. A look-up that fails prints an error naming what was asked for, through the message
+// service (slot 6).
+//
+// A name of more than 4096 bytes (or than the system's LOGIN_NAME_MAX, where that is more) is no
+// name: the system is not asked for it.
+//
 // The trailing `int` parameters are fixed by the product: 0 for look-ups by name, 1 and 0 for
 // look-ups by identifier; nothing here depends on them.
 #ifndef MIROXPLAT_SYSUTL_H
@@ -28,7 +34,8 @@ MIROXPLAT_API int sysutl_user_to_usid(char const* user, int, credutl_sid_s* sid)
 MIROXPLAT_API int sysutl_user_to_gsid(char const* user, int, credutl_sid_s* sid);
 MIROXPLAT_API int sysutl_group_to_gsid(char const* group, int, credutl_sid_s* sid);
 
-// The user's full name, or null when there is no such user or it has no full name.
+// The user's full name, or null when there is no such user or it has no full name. Nothing is printed
+// for a name that does not exist: whoever asks for a full name has another name to show.
 MIROXPLAT_API char const* sysutl_user_to_fullname(char const* user);
 
 // Copies the user's home directory, terminating NUL included, to `buffer` of `size` bytes. Non-zero
