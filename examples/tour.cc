@@ -55,6 +55,15 @@ bool show(GCL_String const& login) {
 }
 //! [check]
 
+//! [why]
+// A look-up that sets a code alone. What the service prints meanwhile goes to the status, too.
+GCL_String home_of(GCL_Status& status, GCL_String const& login) {
+  status.reset(0);  // drops what an earlier failure left
+  GCL_ImsgRedirect const redirect(status);
+  return GCL_OSUser(status, login).home_dir(status);
+}
+//! [why]
+
 void show_paths_and_dates() {
   //! [paths]
   GCL_Pathname path("/var/log");
@@ -75,6 +84,8 @@ int main(int argc, char** argv) {
   show_texts();
   GCL_StringList const logins = logins_of(argc > 1 ? argv[1] : "root, no-such-login,");
   std::cout << logins.Length() << " logins: " << join(logins, " ") << "\n";
+  GCL_Status status;
+  if (home_of(status, "nobody-here").empty()) std::cout << status.error_message();
   bool all_found = true;
   for (GCL_String const& login : logins) all_found = show(login) && all_found;
   show_paths_and_dates();

@@ -6,6 +6,9 @@
 //   GCL_NOT_YET_IMPLEMENTED();                        // logs
 //
 // The macros supply the file and the line and evaluate each argument once, in every build.
+//
+// An assertion that fails while a status grabs or a collector exists ends the process with its text
+// captured: "GCL_STATUS_IMSG_COPY" shows it, and gdb finds it in the process and in its core.
 #ifndef MIROXGCL_GCL_ASSERT_H
 #define MIROXGCL_GCL_ASSERT_H
 
