@@ -127,6 +127,8 @@ TEST(Containers, WhatAnItemOwnsCanBeAssignedToItsContainer) {
   check_assignment_from_within<node<collection_of>>(
       [](collection& to, collection& from) { to = from; });
   check_assignment_from_within<node<stack_of>>(copies);
+  using stack = LX_TStack<node<stack_of>>;
+  check_assignment_from_within<node<stack_of>>([](stack& to, stack& from) { to = from; });
 }
 
 TEST(Containers, WhatAnItemOwnsCanBePutInItsArray) {

@@ -26,6 +26,10 @@ class MIROXGCL_API GCL_ErrMsgStack : public LX_TUnboundedStack<GCL_String, LX_CU
   GCL_ErrMsgStack& operator=(Base const& other) override;
   virtual GCL_ErrMsgStack& operator=(GCL_ErrMsgStack const& other);
   GCL_ErrMsgStack& operator=(GCL_ErrMsgStack&& other) noexcept = default;
+  GCL_ErrMsgStack& operator=(std::initializer_list<GCL_String> messages) {
+    Base::operator=(messages);
+    return *this;
+  }
 };
 
 #endif

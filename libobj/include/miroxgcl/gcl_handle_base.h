@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "miroxgcl/gcl_body.h"
+#include "miroxgcl/lx_trivially_relocatable.h"
 
 // Invariant: a handle that holds a body owns exactly one of its counts. A handle without body is
 // valid everywhere. No operation throws, unless a body's own comparison or destructor does.
@@ -69,12 +70,8 @@ MIROXGCL_API std::ostream& operator<<(std::ostream& os, GCL_HandleBase const& ha
 
 static_assert(sizeof(GCL_HandleBase) == sizeof(void*), "a handle is one pointer");
 
-// Arrays move handles as the pointers they are: see lx_dynamic.h.
-template <class T>
-struct LX_TIsRelocatable;
+// Arrays move handles as the pointers they are.
 template <>
-struct LX_TIsRelocatable<GCL_HandleBase> {
-  static constexpr bool value = true;
-};
+struct LX_TIsTriviallyRelocatable<GCL_HandleBase> : std::true_type {};
 
 #endif

@@ -642,13 +642,13 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
  private:
   friend MIROXGCL_API std::istream& operator>>(std::istream& is, GCL_String& s);
   friend MIROXGCL_API std::istream& getline(std::istream& is, GCL_String& s, char delim);
-  class Input;
+  class MIROXGCL_LOCAL Input;
 
   MIROXGCL_LOCAL GCL_String& do_replace(unsigned int pos, unsigned int n, char const* src,
                                         unsigned int srclen);
   MIROXGCL_LOCAL GCL_String& assign_bytes(char const* s, unsigned int n);
   MIROXGCL_LOCAL GCL_String& append_bytes(char const* s, unsigned int n);
-  struct LineEnds;
+  struct MIROXGCL_LOCAL LineEnds;
   MIROXGCL_LOCAL GCL_String& convert_line_ends(bool to_pc);
   MIROXGCL_LOCAL void apply(LineEnds const& change, unsigned int reserve);
   MIROXGCL_LOCAL void append_in_chunks(char const* data, unsigned int n, GCL_String& spare);
@@ -702,11 +702,9 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
 
 static_assert(sizeof(GCL_String) == sizeof(void*), "a string is one pointer");
 
-/// Arrays move strings as the pointers they are: see lx_dynamic.h.
+/// Arrays move strings as the pointers they are.
 template <>
-struct LX_TIsRelocatable<GCL_String> {
-  static constexpr bool value = true;
-};
+struct LX_TIsTriviallyRelocatable<GCL_String> : std::true_type {};
 
 /// @name Operators on strings
 /// Those on a string and a text are found only with a string, in its class.

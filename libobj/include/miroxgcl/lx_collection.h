@@ -12,6 +12,7 @@
 #include <type_traits>
 
 #include "miroxgcl/gcl_config.h"
+#include "miroxgcl/lx_item.h"
 #include "miroxgcl/lx_iterator.h"
 
 // T supplies default construction, copying, assignment and operator==.
@@ -156,10 +157,14 @@ class LX_TPurgeGuard {
   Container* m_container;
 };
 
-// Calls `use` with each item of a collection, in order.
-template <class T, class Use>
-void LX_WalkItems(LX_TCollection<T> const& collection, Use use) {
-  for (LX_TCollectionActiveIterator<T> i(collection); !i.IsDone(); i.Next()) use(*i.CurrentItem());
+// Copies of the items from an active iterator's place on.
+template <class T, class Iterator>
+std::deque<T> LX_CopyItems([[maybe_unused]] Iterator i) {
+  std::deque<T> copies;
+  if constexpr (LX_IsCopyConstructible<T>()) {
+    while (T const* const item = i.CurrentItem()) copies.push_back(*item), i.Next();
+  }
+  return copies;
 }
 
 template <class T>
@@ -174,17 +179,18 @@ template <class T>
 template <class Prepare>
 void LX_TCollection<T>::Assign(LX_TCollection const& other, Prepare prepare) {
   LX_TLockScope<LX_TCollection const> const lock(*this);
-  bool const copies_first = !std::is_trivially_copyable_v<T> && Cardinality() != 0;
   LX_TPurgeGuard<LX_TCollection> guard(*this);
-  std::deque<T> copies;
-  if (copies_first) LX_WalkItems(other, [&](T const& item) { copies.push_back(item); });
   unsigned int const count = other.Cardinality();
-  Purge();
-  prepare(count);
-  if (copies_first) {
+  LX_TCollectionActiveIterator<T> i(other);
+  if (LX_MayOwn<T>() && Cardinality() != 0) {
+    auto const copies = LX_CopyItems<T>(i);
+    Purge();
+    prepare(count);
     for (T const& item : copies) Add(item);
   } else {
-    LX_WalkItems(other, [this](T const& item) { Add(item); });
+    Purge();
+    prepare(count);
+    while (T const* const item = i.CurrentItem()) Add(*item), i.Next();
   }
   guard.Complete();
 }
@@ -196,10 +202,12 @@ int LX_TCollection<T>::operator==(LX_TCollection const& other) const {
   if (Cardinality() != other.Cardinality()) return 0;
   LX_TCollectionActiveIterator<T> i(*this);
   LX_TCollectionActiveIterator<T> j(other);
-  for (; !i.IsDone() && !j.IsDone(); i.Next(), j.Next()) {
-    if (!(*i.CurrentItem() == *j.CurrentItem())) return 0;
+  for (;; i.Next(), j.Next()) {
+    T const* const ours = i.CurrentItem();
+    T const* const theirs = j.CurrentItem();
+    if (ours == nullptr || theirs == nullptr) return 1;
+    if (!LX_AreEqual(*ours, *theirs)) return 0;
   }
-  return 1;
 }
 
 template <class T>

@@ -37,18 +37,14 @@
 #include <utility>
 
 #include "miroxgcl/lx_collection.h"
+#include "miroxgcl/lx_item.h"
 #include "miroxgcl/lx_precondition.h"
+#include "miroxgcl/lx_trivially_relocatable.h"
 #include "miroxgcl/lx_unmanaged.h"
 
-// Whether items of T may be moved to another place by copying their bytes, the old place then being
-// forgotten and not destroyed. A class that keeps no pointer into itself, and that nobody keeps a
-// pointer to, may say so in a specialisation.
-template <class T>
-struct LX_TIsRelocatable : std::is_trivially_copyable<T> {};
-
-// When T's copying or M throws, the array keeps its value. An argument may be an item of this array, or belong to one. A slot
-// that an item has left keeps a copy of it until it is overwritten or the slots are released, where
-// copying cannot throw.
+// When T's copying or M throws, the array keeps its value. An argument may be an item of this array, or
+// belong to one. A slot that an item has left keeps a copy of it until it is overwritten or the slots
+// are released, where copying cannot throw.
 //
 // Items move when the array grows: a status with an open grab, for one, must not lie in an array.
 template <class T, class M = LX_CUnmanaged>
@@ -153,7 +149,7 @@ class MIROXGCL_API LX_TDynamic {
   // REQUIRES: i < Length().
   void Replace(unsigned int i, T const& item) {
     LX_REQUIRE(i < Length(), "Range_Error", "LX_TDynamic::Replace", LX_kInvalidIndex);
-    LX_AssignItem(m_items[SlotOf(i)], item);
+    LX_ReplaceItem(m_items[SlotOf(i)], item);
   }
 
   // The first index at or after `start` whose item equals `item`, or -1. REQUIRES: start <=
@@ -217,6 +213,11 @@ class MIROXGCL_API LX_TDynamic {
   class MIROXGCL_LOCAL Slots;
 
   bool Wraps() const { return m_start > m_stop; }
+  // `n` items from the first slot on.
+  void SetRun(unsigned int n) {
+    m_stop = n;
+    m_start = n != 0 ? 1 : 0;
+  }
   bool IsFull() const { return Length() == m_size; }
   unsigned int SlotOf(unsigned int i) const {
     unsigned int const slot = m_start + i - 1;
@@ -230,8 +231,6 @@ class MIROXGCL_API LX_TDynamic {
   static constexpr bool CopiesSafely() { return std::is_nothrow_copy_assignable_v<T>; }
   static constexpr bool Moves() { return !CopiesSafely() && std::is_nothrow_move_assignable_v<T>; }
   static constexpr bool ChangesACopy() { return !CopiesSafely() && !Moves(); }
-  // Whether items may own what arguments refer to.
-  static constexpr bool MayOwn() { return !std::is_trivially_copyable_v<T>; }
 
   void RequireIndex([[maybe_unused]] unsigned int i, [[maybe_unused]] char const* operation) const {
     LX_REQUIRE(i < Length(), "Range_Error", operation, LX_kInvalidIndex);
@@ -348,13 +347,17 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
     return m_dynamic == other.m_dynamic;
   }
   int operator!=(LX_TDynamicCollection const& other) const { return !(*this == other); }
-  // An abstract collection beside one of this class, for C++20 as well.
+#if __cplusplus > 201703L
+  // C++20 also tries comparisons with their sides exchanged; these leave it no choice. (A collection
+  // of one's own class that overrides operator== compares with this one as an LX_TCollection<T>.)
+  template <class N>
+  int operator==(LX_TDynamicCollection<T, N> const& other) const {
+    return *this == static_cast<LX_TCollection<T> const&>(other);
+  }
   friend int operator==(LX_TCollection<T> const& a, LX_TDynamicCollection const& b) {
-    return a == static_cast<LX_TCollection<T> const&>(b);
+    return a.operator==(b);
   }
-  friend int operator!=(LX_TCollection<T> const& a, LX_TDynamicCollection const& b) {
-    return !(a == b);
-  }
+#endif
   virtual void SetChunkSize(unsigned int c) { m_dynamic.SetChunkSize(c); }
   virtual void Preallocate(unsigned int n) { m_dynamic.Preallocate(n); }
   virtual unsigned int ChunkSize() const { return m_dynamic.ChunkSize(); }
@@ -415,17 +418,20 @@ class LX_TDynamic<T, M>::Slots {
   }
 
   // Builds the slots from `first` to the gap's end empty (a scalar is 0).
-  void BuildEmpty(unsigned int first) {
-    std::uninitialized_value_construct(m_items + first, m_items + m_gap_size);
-    m_gap_size = first;
-  }
-  // Builds the gap's last slot from `value`.
-  template <class Value>
-  void Build(Value&& value) {
-    if constexpr (LX_is_copyable_v<T>) {
-      ::new (static_cast<void*>(m_items + m_gap_size - 1)) T(std::forward<Value>(value));
+  void BuildEmpty([[maybe_unused]] unsigned int first) {
+    if constexpr (LX_IsDefaultConstructible<T>()) {
+      std::uninitialized_value_construct(m_items + first, m_items + m_gap + m_gap_size);
+      m_gap_size = first - m_gap;
     }
-    --m_gap_size;
+  }
+  // Builds the gap's first slot from `value`.
+  template <class Value>
+  void Build([[maybe_unused]] Value&& value) {
+    if constexpr (LX_IsCopyConstructible<T>()) {
+      ::new (static_cast<void*>(m_items + m_gap)) T(std::forward<Value>(value));
+      ++m_gap;
+      --m_gap_size;
+    }
   }
   T* Data() { return m_items; }
   T* Take() {
@@ -449,20 +455,17 @@ void LX_TDynamic<T, M>::Resize(unsigned int count, unsigned int length, int keep
   unsigned int const kept = keep != 0 ? count : 0;
   Slots fresh(plan.size);
   fresh.BuildEmpty(kept);
-  bool const relocates = LX_TIsRelocatable<T>::value && kept != 0;
+  bool const relocates = LX_TIsTriviallyRelocatable<T>::value && kept != 0;
   if (relocates) {
     CopyBytesTo(fresh.Data(), kept);
   } else {
-    for (unsigned int i = kept; i > 0; --i) {
-      fresh.Build(std::move_if_noexcept(m_items[SlotOf(i - 1)]));
-    }
+    for (unsigned int i = 0; i < kept; ++i) fresh.Build(std::move_if_noexcept(m_items[SlotOf(i)]));
   }
   Slots const old(m_items, m_size, relocates ? m_start - 1 : 0, relocates ? kept : 0);  // goes last
   m_items = fresh.Take();
   m_size = plan.size;
   m_total_chunks = plan.chunks;
-  m_stop = length != 0 ? count : 0;
-  m_start = m_stop != 0 ? 1 : 0;
+  SetRun(length != 0 ? count : 0);
 }
 
 // The bytes of the first `count` items, count > 0, which are two runs where the array wraps.
@@ -476,24 +479,17 @@ void LX_TDynamic<T, M>::CopyBytesTo(T* place, unsigned int count) const {
               (count - run) * sizeof(T));
 }
 
-// Where there are slots, one of their items may own the other array: its items are copied before
-// these go.
 template <class T, class M>
 LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(LX_TDynamic const& other) {
   if (&other == this) return *this;
   unsigned int const n = other.Length();
-  auto const their_item = [&other](unsigned int i) -> T const& {
-    return other.m_items[other.SlotOf(i)];
-  };
-  if (!MayOwn() || m_size == 0 || n == 0) return AssignItems(n, their_item), *this;
-  if constexpr (ChangesACopy()) {
-    LX_TDynamic fresh(m_chunk_size);
-    fresh.AssignItems(n, their_item);
-    return *this = std::move(fresh);
+  if constexpr (LX_MayOwn<T>()) {
+    AssignItems(n, [&other](unsigned int i) -> T const& { return other.m_items[other.SlotOf(i)]; });
+  } else {
+    Resize(0, n, 0);
+    if (n != 0) other.CopyBytesTo(m_items, n);
+    SetRun(n);
   }
-  Slots copies(n);
-  for (unsigned int i = n; i > 0; --i) copies.Build(their_item(i - 1));
-  AssignItems(n, [&copies](unsigned int i) -> T& { return copies.Data()[i]; });
   return *this;
 }
 
@@ -504,21 +500,25 @@ LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(std::initializer_list<T> items) 
   return *this;
 }
 
-// Makes the array `n` items, each what `item_at` answers for its index.
+// Makes the array `n` items, each a copy of what `item_at` answers for its index, which one of this
+// array's items may own: the new slots are complete before the old ones go. Where their number stays,
+// those behind the items keep what they hold.
 template <class T, class M>
 template <class Source>
 void LX_TDynamic<T, M>::AssignItems(unsigned int n, Source item_at) {
-  Resize(0, n, 0);
-  m_start = m_stop = 0;  // empty until every item has come
-  for (unsigned int i = 0; i < n; ++i) {
-    if constexpr (Moves() && !std::is_const_v<std::remove_reference_t<decltype(item_at(i))>>) {
-      m_items[i] = std::move(item_at(i));
-    } else {
-      LX_AssignItem(m_items[i], static_cast<T const&>(item_at(i)));
-    }
+  LX_ChunkPlan const plan = LX_PlanChunks(n, m_chunk_size, sizeof(T));
+  bool const keeps_rest = plan.size == m_size;
+  Slots fresh(plan.size);
+  if (!keeps_rest) fresh.BuildEmpty(n);
+  for (unsigned int i = 0; i < n; ++i) fresh.Build(item_at(i));
+  if (keeps_rest) {
+    for (unsigned int q = n; q < m_size; ++q) fresh.Build(static_cast<T const&>(m_items[q]));
   }
-  m_stop = n;
-  m_start = n != 0 ? 1 : 0;
+  Slots const old(m_items, m_size, 0, 0);  // goes last
+  m_items = fresh.Take();
+  m_size = plan.size;
+  m_total_chunks = plan.chunks;
+  SetRun(n);
 }
 
 // One of this array's items may own the other array: its slots are taken before these go.
@@ -548,7 +548,7 @@ int LX_TDynamic<T, M>::operator==(LX_TDynamic const& other) const {
   unsigned int const n = Length();
   if (n != other.Length()) return 0;
   for (unsigned int i = 0; i < n; ++i) {
-    if (!(m_items[SlotOf(i)] == other.m_items[other.SlotOf(i)])) return 0;
+    if (!LX_AreEqual(m_items[SlotOf(i)], other.m_items[other.SlotOf(i)])) return 0;
   }
   return 1;
 }
@@ -565,7 +565,7 @@ bool LX_TDynamic<T, M>::Holds(T const& item) const {
 template <class T, class M>
 void LX_TDynamic<T, M>::PutFirstOrLast(T const& item, bool last) {
   if (IsFull()) {
-    if (m_size != 0 && (MayOwn() || Holds(item))) {  // what goes with the old slots is copied first
+    if (m_size != 0 && (LX_MayOwn<T>() || Holds(item))) {  // what goes with the old slots is copied first
       Slots copy(1);
       copy.Build(item);
       Grow();
@@ -607,7 +607,9 @@ template <class T, class M>
 template <class Open>
 void LX_TDynamic<T, M>::PutInside(T const& item, Open open) {
   if (m_start == 0) return Append(item);
-  if (!MayOwn() && !Holds(item)) return Fill(open, item);
+  if constexpr (!LX_MayOwn<T>()) {
+    if (!Holds(item)) return Fill(open, item);
+  }
   Slots copy(1);
   copy.Build(item);
   if (IsFull()) Grow();
@@ -634,8 +636,8 @@ template <class Change>
 void LX_TDynamic<T, M>::ChangeSafely(Change change) {
   if constexpr (ChangesACopy()) {
     Slots slots_copied(m_size);
-    for (unsigned int q = m_size; q > 0; --q) {
-      slots_copied.Build(static_cast<T const&>(m_items[q - 1]));
+    for (unsigned int q = 0; q < m_size; ++q) {
+      slots_copied.Build(static_cast<T const&>(m_items[q]));
     }
     LX_TDynamic copy(m_chunk_size);
     copy.m_size = m_size;
@@ -736,7 +738,7 @@ int LX_TDynamic<T, M>::Location(T const& item, unsigned int start) const {
   unsigned int const n = Length();
   LX_REQUIRE(start <= n, "Range_Error", "LX_TDynamic::Location", LX_kInvalidIndex);
   for (unsigned int i = start; i < n; ++i) {
-    if (m_items[SlotOf(i)] == item) return static_cast<int>(i);
+    if (LX_AreEqual(m_items[SlotOf(i)], item)) return static_cast<int>(i);
   }
   return -1;
 }

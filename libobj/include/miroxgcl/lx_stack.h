@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 #include "miroxgcl/lx_collection.h"
@@ -23,9 +24,9 @@ class MIROXGCL_API LX_TStack {
   LX_TStack(LX_TStack const&) = default;
   virtual ~LX_TStack() = default;
 
-  // Gives this stack the items of `other`, whatever its class, in order. `other`, which is locked
-  // meanwhile, must not belong to one of this stack's own items. When copying an item throws, this
-  // stack is left empty.
+  // Gives this stack the items of `other`, whatever its class, in order. `other` is locked while it is
+  // read; it may belong to one of this stack's own items. When copying an item throws, this stack is
+  // left empty.
   virtual LX_TStack& operator=(LX_TStack const& other);
 
   // 1 when both hold the same number of items, equal in order.
@@ -159,11 +160,17 @@ class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
     return m_unbounded == other.m_unbounded;
   }
   int operator!=(LX_TUnboundedStack const& other) const { return !(*this == other); }
-  // An abstract stack beside one of this class, for C++20 as well.
-  friend int operator==(LX_TStack<T> const& a, LX_TUnboundedStack const& b) {
-    return a == static_cast<LX_TStack<T> const&>(b);
+#if __cplusplus > 201703L
+  // C++20 also tries comparisons with their sides exchanged; these leave it no choice. (A stack
+  // of one's own class that overrides operator== compares with this one as an LX_TStack<T>.)
+  template <class N>
+  int operator==(LX_TUnboundedStack<T, N> const& other) const {
+    return *this == static_cast<LX_TStack<T> const&>(other);
   }
-  friend int operator!=(LX_TStack<T> const& a, LX_TUnboundedStack const& b) { return !(a == b); }
+  friend int operator==(LX_TStack<T> const& a, LX_TUnboundedStack const& b) {
+    return a.operator==(b);
+  }
+#endif
 
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
@@ -174,13 +181,23 @@ class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
 
 // --- Implementation. The locks are those of the argument, constant as it is.
 
+// Where this stack has items, one of them may own the other, which is copied, and unlocked, before
+// these go.
 template <class T>
 LX_TStack<T>& LX_TStack<T>::operator=(LX_TStack const& other) {
   if (&other == this) return *this;
-  LX_TLockScope<LX_TStack> const lock(const_cast<LX_TStack&>(other));
-  Purge();
   LX_TPurgeGuard<LX_TStack> guard(*this);
-  for (LX_TStackActiveIterator<T> i(other); !i.IsDone(); i.Next()) Add(*i.CurrentItem());
+  std::optional<LX_TLockScope<LX_TStack>> lock(std::in_place, const_cast<LX_TStack&>(other));
+  LX_TStackActiveIterator<T> i(other);
+  if (LX_MayOwn<T>() && !IsEmpty()) {
+    auto const copies = LX_CopyItems<T>(i);
+    lock.reset();
+    Purge();
+    for (T const& item : copies) Add(item);
+  } else {
+    Purge();
+    while (T const* const item = i.CurrentItem()) Add(*item), i.Next();
+  }
   guard.Complete();
   return *this;
 }
@@ -192,10 +209,12 @@ int LX_TStack<T>::operator==(LX_TStack const& other) const {
   if (Cardinality() != other.Cardinality()) return 0;
   LX_TStackActiveIterator<T> i(*this);
   LX_TStackActiveIterator<T> j(other);
-  for (; !i.IsDone() && !j.IsDone(); i.Next(), j.Next()) {
-    if (!(*i.CurrentItem() == *j.CurrentItem())) return 0;
+  for (;; i.Next(), j.Next()) {
+    T const* const ours = i.CurrentItem();
+    T const* const theirs = j.CurrentItem();
+    if (ours == nullptr || theirs == nullptr) return 1;
+    if (!LX_AreEqual(*ours, *theirs)) return 0;
   }
-  return 1;
 }
 
 template <class T>

@@ -23,6 +23,7 @@
 
 #include "miroxgcl/gcl_config.h"
 #include "miroxgcl/gcl_threads.h"
+#include "miroxgcl/lx_item.h"
 #include "miroxgcl/lx_precondition.h"
 #include "miroxgcl/lx_unmanaged.h"
 
@@ -32,7 +33,7 @@ template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TNode {
  public:
   LX_TNode(T const& item, LX_TNode* previous, LX_TNode* next)
-      : m_item(LX_CopyItem(item)), m_previous(previous), m_next(next) {
+      : m_item(item), m_previous(previous), m_next(next) {
     if (previous != nullptr) previous->m_next = this;
     if (next != nullptr) next->m_previous = this;
   }
@@ -297,7 +298,7 @@ int LX_TUnbounded<T, M>::operator==(LX_TUnbounded const& other) const {
   if (m_size != other.m_size) return 0;
   Node const* theirs = other.m_head;
   for (Node const* ours = m_head; ours != nullptr; ours = ours->m_next, theirs = theirs->m_next) {
-    if (!(ours->m_item == theirs->m_item)) return 0;
+    if (!LX_AreEqual(ours->m_item, theirs->m_item)) return 0;
   }
   return 1;
 }
@@ -328,12 +329,15 @@ LX_TNode<T, M>* LX_TUnbounded<T, M>::LookUpBeside(Node* cache, unsigned int i) c
 
 // A new node between two others, which becomes the one at index `i` and is remembered.
 template <class T, class M>
-void LX_TUnbounded<T, M>::Link(T const& item, Node* previous, Node* next, unsigned int i) {
-  Node* const node = new Node(item, previous, next);
-  if (previous == nullptr) m_head = node;
-  if (next == nullptr) m_tail = node;
-  ++m_size;
-  Remember(node, i);
+void LX_TUnbounded<T, M>::Link([[maybe_unused]] T const& item, Node* previous, Node* next,
+                               unsigned int i) {
+  if constexpr (LX_IsCopyConstructible<T>()) {
+    Node* const node = new Node(item, previous, next);
+    if (previous == nullptr) m_head = node;
+    if (next == nullptr) m_tail = node;
+    ++m_size;
+    Remember(node, i);
+  }
 }
 
 template <class T, class M>
@@ -393,7 +397,7 @@ template <class T, class M>
 void LX_TUnbounded<T, M>::Replace(unsigned int i, T const& item) {
   LX_REQUIRE(i < m_size, "Range_Error", "LX_TUnbounded::Replace", LX_kInvalidIndex);
   bool const is_cached = m_cache != nullptr && i == m_cache_index;
-  LX_AssignItem(Remember(is_cached ? m_cache : Walk(i), i)->m_item, item);
+  LX_ReplaceItem(Remember(is_cached ? m_cache : Walk(i), i)->m_item, item);
 }
 
 template <class T, class M>
@@ -403,14 +407,14 @@ int LX_TUnbounded<T, M>::Location(T const& item, unsigned int start) const {
     Node* const cache = TakeCache();
     unsigned int const index = cache != Taken() ? m_cache_index : 0;
     if (cache != Taken()) Remember(cache, index);
-    if (cache != nullptr && cache != Taken() && cache->m_item == item) {
+    if (cache != nullptr && cache != Taken() && LX_AreEqual(cache->m_item, item)) {
       return static_cast<int>(index);
     }
   }
   if (start >= m_size) return -1;
   unsigned int i = start;
   for (Node* node = Walk(start); node != nullptr; node = node->m_next, ++i) {
-    if (node->m_item == item) {
+    if (LX_AreEqual(node->m_item, item)) {
       if (TakeCache() != Taken()) Remember(node, i);
       return static_cast<int>(i);
     }

@@ -10,7 +10,6 @@
 #include <cstddef>
 #include <new>
 #include <type_traits>
-#include <utility>
 
 #include "miroxgcl/gcl_config.h"
 
@@ -55,32 +54,6 @@ void LX_ReleaseFor(void* p, std::size_t n) noexcept {
     M::ReleaseBlock(p, n);
   } else {
     M::ReleaseBlock(p, n, std::align_val_t{alignof(T)});
-  }
-}
-
-// The one place where containers copy items into slots and nodes, so that an item that cannot be copied
-// is refused in one line.
-template <class T>
-constexpr bool LX_is_copyable_v = std::is_copy_constructible_v<T> && std::is_copy_assignable_v<T>;
-
-template <class T>
-void LX_RequireCopyable() {
-  static_assert(LX_is_copyable_v<T>,
-                "The containers copy their items, and this item cannot be copied: hold a pointer, or "
-                "a std::shared_ptr, instead.");
-}
-template <class T>
-void LX_AssignItem(T& to, T const& from) {
-  LX_RequireCopyable<T>();
-  if constexpr (LX_is_copyable_v<T>) to = from;
-}
-template <class T>
-decltype(auto) LX_CopyItem([[maybe_unused]] T const& item) {
-  LX_RequireCopyable<T>();
-  if constexpr (LX_is_copyable_v<T>) {
-    return (item);
-  } else {
-    return T();
   }
 }
 
