@@ -9,12 +9,13 @@
 #include <streambuf>
 
 // Opens `file`, emptied, for append, on a descriptor above 2 that no program inherits that this one
-// starts. A file that would block, or end the process, counts as one that cannot be written: a fifo, a
-// socket, whatever is no regular file and no device of characters. The stream has failed then.
+// starts. A file that would block, or end the process, counts as one that cannot be written: a
+// fifo, a socket, whatever is no regular file and no device of characters. The stream has failed
+// then.
 //
 // Each call of write() is one line, or more, and goes whole into the buffer or whole to the system:
-// in one call for all that the buffer held. What the system does not take is lost. The lines gathered
-// before a fork() are the parent's, who writes them; the destructor writes the rest.
+// in one call for all that the buffer held. What the system does not take is lost. The lines
+// gathered before a fork() are the parent's, who writes them; the destructor writes the rest.
 //
 // Any number of threads may write at once.
 class debug_file : private std::streambuf, public std::ostream {

@@ -1,4 +1,4 @@
-// What printing a body needs stands above the body's own floor, and so in a source of its own.
+// What printing a body needs lies above the body's own floor, and so in a source of its own.
 #include <ostream>
 #include <string>
 

@@ -19,7 +19,7 @@ Part& present(std::unique_ptr<Part>& part, Arguments... arguments) {
   return *part;
 }
 
-// The secondary identifiers stand where the record's declared array begins, as many as it counts.
+// The secondary identifiers are where the record's declared array begins, as many as it counts.
 credutl_sid_s const* secondary_sids(credutl_sid_credentials_t const& record) {
   auto const* const bytes = reinterpret_cast<unsigned char const*>(&record);
   return reinterpret_cast<credutl_sid_s const*>(bytes +
@@ -42,7 +42,7 @@ GCL_Credentials GCL_Credentials::translate(GCL_Status& status,
   for (int i = 0; i < record.group_count; ++i) {
     GCL_OSGroup const group(status, sids[i]);
     if (!status.is_ok()) return {};
-    if (groups.Length() == room) groups.Preallocate(room *= 2);  // growth by chunks is quadratic
+    LX_DoubleWhenFull(groups, room);
     groups.Insert(group);
   }
   return result;

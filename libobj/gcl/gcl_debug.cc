@@ -80,8 +80,9 @@ int GCL_Debug::set_levels(char const* levels) {
 
 void GCL_Debug::output(std::basic_ostringstream<char>& message) { write_line({message.str()}); }
 
-// The line is built whole and written at once, so that no other process's line comes between. Neither
-// a width nor a locale of the stream changes it. Without memory for a long line, it is lost.
+// The line is built whole and written at once, so that no other process's line comes between.
+// Neither a width nor a locale of the stream changes it. Without memory for a long line, it is
+// lost.
 void GCL_Debug::write_line(std::initializer_list<std::string_view> pieces) noexcept {
   constexpr std::string_view prefix = "....DEBUG: ";
   auto const indentation = static_cast<std::size_t>(std::max(depth() - 1, 0)) * 2;

@@ -17,14 +17,16 @@ void collect(void* collector, char* text) {
   static_cast<GCL_ImsgCollector*>(collector)->add_message(GCL_String(text), Severity);
 }
 
-void GCL_ImsgCollector_handle_info_msg(void* collector, char* text) { collect<0>(collector, text); }
+void GCL_ImsgCollector_handle_info_msg(void* collector, char* text) {
+  collect<IMSG_INFORMATION>(collector, text);
+}
 
 void GCL_ImsgCollector_handle_warning_msg(void* collector, char* text) {
-  collect<4>(collector, text);
+  collect<IMSG_WARNING>(collector, text);
 }
 
 void GCL_ImsgCollector_handle_error_msg(void* collector, char* text) {
-  collect<6>(collector, text);
+  collect<IMSG_ERROR>(collector, text);
 }
 
 // Decided once for the process, when the first collector ends.
@@ -46,9 +48,9 @@ GCL_ImsgCollector::GCL_ImsgCollector() : m_messages(list_chunk_size) {
   GCL_ImsgCollector::clear_messages();
   imsg_get_redirect_procs(IMSG_PROC_COUNT, m_saved_procs, &m_saved_proc_arg);
   std::copy(std::begin(m_saved_procs), std::end(m_saved_procs), m_procs);
-  m_procs[0] = m_procs[1] = GCL_ImsgCollector_handle_info_msg;
-  m_procs[4] = m_procs[5] = GCL_ImsgCollector_handle_warning_msg;
-  m_procs[6] = m_procs[7] = GCL_ImsgCollector_handle_error_msg;
+  m_procs[IMSG_INFORMATION] = m_procs[IMSG_INFORMATION + 1] = GCL_ImsgCollector_handle_info_msg;
+  m_procs[IMSG_WARNING] = m_procs[IMSG_WARNING + 1] = GCL_ImsgCollector_handle_warning_msg;
+  m_procs[IMSG_ERROR] = m_procs[IMSG_ERROR + 1] = GCL_ImsgCollector_handle_error_msg;
   imsg_set_redirect_procs(m_procs, IMSG_PROC_COUNT, this);
 
   redirect_context_begin({this, m_saved_procs, &m_saved_proc_arg, &m_redirect_was_enabled});

@@ -66,8 +66,8 @@ class Text {
 
 enum Which { of_header, of_footer, of_indentation, which_count };
 
-// The calling thread's result. The first thread to ask has static memory, which outlives every static
-// object; the others' goes with them.
+// The calling thread's result. The first thread to ask has static memory, which outlives every
+// static object; the others' goes with them.
 Text& result_of_thread(Which which) {
   static Text first_thread[which_count];
   static __thread char identity __attribute__((tls_model("initial-exec")));

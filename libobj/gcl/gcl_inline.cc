@@ -1,6 +1,6 @@
 // Puts the inline operations of the exported classes into the library too, for callers that find
-// them by name: code of another compiler, a debugger, `dlsym`. The build keeps every inline function
-// that this unit defines, and the linker drops those that are not exported.
+// them by name: code of another compiler, a debugger, `dlsym`. The build keeps every inline
+// function that this unit defines, and the linker drops those that are not exported.
 #include <type_traits>
 
 #include "miroxgcl/gcl.h"

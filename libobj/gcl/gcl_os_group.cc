@@ -1,6 +1,6 @@
 #include "miroxgcl/gcl_os_group.h"
 
-#include "look_up.h"
+#include "look_up_status.h"
 #include "miroxgcl/gcl_imsg_redirect.h"
 #include "miroxplat/sysutl.h"
 

@@ -120,7 +120,8 @@ GCL_String& GCL_String::append(char const* s, unsigned int n) {
   return append_bytes(s, count_in(s, n));
 }
 
-// `s` may point into the text. The bytes may then overlap their own copy, in the terminator's place.
+// `s` may point into the text. The bytes may then overlap their own copy, in the terminator's
+// place.
 GCL_String& GCL_String::append_bytes(char const* s, unsigned int n) {
   if (n == 0) return *this;
   unsigned int const length = this->length();

@@ -1,8 +1,8 @@
 // Line endings and style characters.
 //
 // A conversion leaves what single edits would leave: remove() of each carriage return, replace() of
-// each line feed. The capacity after such a series of edits is forecast first, so that at most one body
-// is built and the text is converted in one pass.
+// each line feed. The capacity after such a series of edits is forecast first, so that at most one
+// body is built and the text is converted in one pass.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -49,8 +49,8 @@ char* put_without_cr(char* dest, char const* begin, char const* end) {
   return dest;
 }
 
-// Copies the text without carriage returns but for one before each line feed. `dest` does not overlap
-// the text.
+// Copies the text without carriage returns but for one before each line feed. `dest` does not
+// overlap the text.
 char* put_with_cr_lf(char* dest, char const* begin, char const* end) {
   while (begin != end) {
     char const* const stop = find(begin, end, '\n');
@@ -63,8 +63,8 @@ char* put_with_cr_lf(char* dest, char const* begin, char const* end) {
   return dest;
 }
 
-// Gives each of the `count` line feeds before `end` its carriage return, in place: the text is moved
-// from its end on into the `count` bytes of room after it.
+// Gives each of the `count` line feeds before `end` its carriage return, in place: the text is
+// moved from its end on into the `count` bytes of room after it.
 void spread_line_feeds(char* end, unsigned int count) {
   for (char* dest = end + count; dest != end;) {
     *--dest = *--end;
@@ -115,8 +115,8 @@ GCL_String& GCL_String::convert_line_ends(bool to_pc) {
   return *this;
 }
 
-// Puts the converted text into a new body with room for `reserve` bytes, or in place where that is 0.
-// What follows the first NUL is moved as it is.
+// Puts the converted text into a new body with room for `reserve` bytes, or in place where that is
+// 0. What follows the first NUL is moved as it is.
 void GCL_String::apply(LineEnds const& change, unsigned int reserve) {
   auto const behind = static_cast<std::size_t>(change.text + length() - change.end);
   if (reserve != 0) {
@@ -132,8 +132,8 @@ void GCL_String::apply(LineEnds const& change, unsigned int reserve) {
   }
 }
 
-// The new body has the capacity of a text one byte longer, and replaces the old one even when nothing
-// was stripped.
+// The new body has the capacity of a text one byte longer, and replaces the old one even when
+// nothing was stripped.
 GCL_String& GCL_String::remove_formatting() {
   GCL_String stripped;
   auto* const rep = GCL_StringRep::make(length() + 1, 1, nullptr);

@@ -1,7 +1,7 @@
 // Stream output and input.
 //
-// Input takes what the stream's buffer holds directly, under one sentry. A byte leaves the stream only
-// once it cannot be lost any more: it is in the string, or memory for it is at hand.
+// Input takes what the stream's buffer holds directly, under one sentry. A byte leaves the stream
+// only once it cannot be lost any more: it is in the string, or memory for it is at hand.
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -44,8 +44,8 @@ class GetArea : private std::streambuf {
 // A string in the making, which grows by appends of 32 bytes and of what is left at the end. The
 // body that the string had is kept to be used again: one line is often as long as the last.
 //
-// Bytes that do not make a whole append yet are held here. Before the first of them leaves the stream
-// there is room for all: in the string's own body, or in another that stands by.
+// Bytes that do not make a whole append yet are held here. Before the first of them leaves the
+// stream there is room for all: in the string's own body, or in a spare one.
 class GCL_String::Input {
  public:
   explicit Input(GCL_String& s) : m_string(s), m_spare(std::move(s)) {}
@@ -106,7 +106,8 @@ class GCL_String::Input {
   }
 
   // A character from the stream's buffer. When the buffer throws, the stream has gone bad, and the
-  // exception goes on only where the stream throws for that, as from the standard library's own input.
+  // exception goes on only where the stream throws for that, as from the standard library's own
+  // input.
   static int ask(std::istream& is, int (std::streambuf::*get)()) {
     try {
       return (is.rdbuf()->*get)();
@@ -149,8 +150,8 @@ class GCL_String::Input {
     if (!m_string.may_change_in_place(most)) m_next = GCL_String::with_body(most, m_spare);
   }
 
-  // Appends what is held. A whole chunk takes the body that stands by; fewer bytes may need a smaller
-  // one, and take that body only when there is no memory for their own.
+  // Appends what is held. A whole chunk takes the spare body; fewer bytes may need a
+  // smaller one, and take that body only when there is no memory for their own.
   void flush() noexcept {
     unsigned int const n = std::exchange(m_used, 0u);
     if (n == chunk_size && m_next.body() != nullptr) m_spare = std::move(m_next);

@@ -28,9 +28,9 @@ void redirect_context_end(void* context, imsg_redirect_proc const* saved_procs,
 // False where there is none. To be called before redirect_context_end().
 bool redirect_context_passes_flag(void* collector, bool redirect_was_enabled) noexcept;
 
-// `context` itself unless it is a collector, else what that saved, through any number of collectors:
-// a status, where there is one. A collector leaves some slots of the table it finds as they are, so
-// that a status's procedure may be called with the collector as its context.
+// `context` itself unless it is a collector, else what that saved, through any number of
+// collectors: a status, where there is one. A collector leaves some slots of the table it finds as
+// they are, so that a status's procedure may be called with the collector as its context.
 void* redirect_context_status(void* context) noexcept;
 
 #endif

@@ -17,6 +17,6 @@ int libmiroxgcl_sprintf_verid(char* buffer) {
 }
 
 int libmiroxgcl_print_verid(void) {
-  return imsg_print(0, format, -1, component_width, component, MIROXGCL_VERSION,
+  return imsg_print(IMSG_INFORMATION, format, -1, component_width, component, MIROXGCL_VERSION,
                     MIROXGCL_BUILD_DATE);
 }

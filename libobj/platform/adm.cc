@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int error_slot = 6;
-
 std::mutex s_mutex;  // guards the two below
 adm_handle_t s_last = 0;
 adm_handle_t s_held[ADM_MAX_HANDLES] = {};  // 0: free
@@ -28,7 +26,7 @@ int add_handle(adm_handle_t* handle) {
 // 0, or the code and printed error for a name that nothing can have.
 int check_name(char const* name) {
   if (name == nullptr || *name == '\0') {
-    imsg_print(error_slot,
+    imsg_print(IMSG_ERROR,
                "The name \"\" of an administrative handle is empty: it must have 1 to %d bytes. "
                "Give the name of what is to be administered.\n",
                -1, int{ADM_MAX_NAME_LENGTH});
@@ -36,7 +34,7 @@ int check_name(char const* name) {
   }
   std::size_t const length = std::strlen(name);
   if (length <= ADM_MAX_NAME_LENGTH) return ADM_OK;
-  imsg_print(error_slot,
+  imsg_print(IMSG_ERROR,
              "The name \"%s\" of an administrative handle has %zu bytes: it must have 1 to %d. "
              "Give a shorter one.\n",
              -1, name, length, int{ADM_MAX_NAME_LENGTH});
@@ -47,7 +45,7 @@ int check_name(char const* name) {
 
 int adm_get_handle(char const* name, adm_handle_t* handle) {
   if (handle == nullptr) {
-    imsg_print(error_slot, "The address for an administrative handle is null. Give a variable's.\n",
+    imsg_print(IMSG_ERROR, "The address for an administrative handle is null. Give a variable's.\n",
                -1);
     return ADM_NO_PLACE;
   }
@@ -55,12 +53,12 @@ int adm_get_handle(char const* name, adm_handle_t* handle) {
   if (int const code = check_name(name); code != ADM_OK) return code;
   int const code = add_handle(handle);
   if (code == ADM_TABLE_FULL) {
-    imsg_print(error_slot,
+    imsg_print(IMSG_ERROR,
                "No administrative handle is left for \"%s\": a process can hold %d. Free those no "
                "longer needed.\n",
                -1, name, int{ADM_MAX_HANDLES});
   } else if (code == ADM_NUMBERS_USED) {
-    imsg_print(error_slot,
+    imsg_print(IMSG_ERROR,
                "No administrative handle is left for \"%s\": this process has had all %u. Restart "
                "it.\n",
                -1, name, std::numeric_limits<adm_handle_t>::max());

@@ -13,7 +13,7 @@ namespace {
 constexpr int success = 0;
 constexpr int failure = 1;
 
-// The layouts. A letter stands for a field, any other character for itself:
+// The layouts. A letter names a field; any other character is written as it is:
 //   Y year, at least four digits   y year, the last two digits
 //   M month, two digits            N month's name   n month's name, three letters
 //   D day, two digits              d day            e day, padded with a blank

@@ -96,7 +96,7 @@ std::vector<std::string> split_leaf(std::string_view path) {
 
 bool is_octal(char c) { return c >= '0' && c <= '7'; }
 
-// Undoes the kernel's escapes: a backslash and three octal digits stand for a byte.
+// Undoes the kernel's escapes: a backslash and three octal digits mean a byte.
 std::string unescape(std::string_view field) {
   std::string result;
   while (!field.empty()) {

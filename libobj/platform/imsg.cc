@@ -16,7 +16,7 @@ struct redirect_table {
   void* arg;
 };
 
-// Information goes to standard output, trouble and the other kinds to standard error.
+// Information goes to standard output, everything else to standard error.
 constexpr redirect_table own_table = {
     {display_on_stdout, display_on_stdout, display_on_stdout, display_on_stdout, display_on_stderr,
      display_on_stderr, display_on_stderr, display_on_stderr, display_on_stderr, display_on_stderr,
@@ -75,7 +75,7 @@ char const* skip_control_string(char const* p, bool bell_ends) {
   return p;
 }
 
-// The end of the sequence whose ESC stands before `p`.
+// The end of the sequence whose ESC precedes `p`.
 char const* skip_sequence(char const* p) {
   switch (*p) {
     case '[':  // CSI: parameters, intermediates, final

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int error_slot = 6;
-
 using block = std::unique_ptr<unsigned char[]>;
 using area_table = std::unordered_map<stg_area_t, block>;
 
@@ -48,7 +46,7 @@ stg_area_t stg_create_area(unsigned int n) {
     reason = "there is no memory left; ask for less or delete areas no longer needed";
   }
   if (area == 0) {
-    imsg_print(error_slot, "Cannot create a storage area of %u bytes: %s.\n", -1, n, reason);
+    imsg_print(IMSG_ERROR, "Cannot create a storage area of %u bytes: %s.\n", -1, n, reason);
   }
   return area;
 }

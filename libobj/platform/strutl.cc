@@ -65,8 +65,9 @@ char const* find_long(char const* from, char const* pattern, std::size_t length)
   }
 }
 
-// The first occurrence of `pattern` in null-terminated text. The C library's strstr() is fastest, but
-// some of its versions take time in proportion to the text times the pattern; memmem() is linear.
+// The first occurrence of `pattern` in null-terminated text. The C library's strstr() is fastest,
+// but some of its versions take time in proportion to the text times the pattern; memmem() is
+// linear.
 inline char const* find_bytes(char const* from, char const* pattern, std::size_t length) {
   constexpr std::size_t longest_short_pattern = 64;
   if (length > longest_short_pattern) return find_long(from, pattern, length);
@@ -94,8 +95,8 @@ char const* find_next_whole(char const* text, char const* refused, char const* p
   return nullptr;
 }
 
-// The first occurrence of `pattern` in `text`, at or after `from`, that is made of whole characters;
-// null if there is none. Only a pattern that is malformed at an end is ever refused.
+// The first occurrence of `pattern` in `text`, at or after `from`, that is made of whole
+// characters; null if there is none. Only a pattern that is malformed at an end is ever refused.
 inline char const* find_whole(char const* text, char const* from, char const* pattern) {
   std::size_t const length = std::strlen(pattern);
   if (length == 0) return nullptr;
@@ -104,7 +105,7 @@ inline char const* find_whole(char const* text, char const* from, char const* pa
   return find_next_whole(text, found, pattern, length);
 }
 
-// Where a character of a set stands in the text and in the set; both null for none.
+// Where a character of a set occurs in the text and in the set; both null when none does.
 struct set_match {
   char const* in_text;
   char const* in_set;

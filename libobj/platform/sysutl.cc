@@ -19,9 +19,6 @@ namespace {
 
 using credutl::sid_kind;
 
-constexpr int error_slot = 6;
-constexpr int no_such_name = 2;
-constexpr int database_failure = 1;
 constexpr std::size_t first_buffer_size = 1024;
 constexpr std::size_t largest_buffer_size = std::size_t{16} << 20;
 constexpr int most_interruptions = 100;
@@ -96,32 +93,32 @@ int report(answer<Entry> const& failed, sid_kind kind, char const* relation,
            char const* asked_for) {
   char const* const word = word_for(kind);
   if (failed.error == 0) {
-    imsg_print(error_slot, "No %s %s \"%s\" on this system: \"getent %s\" lists those there are.\n",
+    imsg_print(IMSG_ERROR, "No %s %s \"%s\" on this system: \"getent %s\" lists those there are.\n",
                -1, word, relation, asked_for, database_of(kind));
-    return no_such_name;
+    return SYSUTL_NO_SUCH_NAME;
   }
-  imsg_print(error_slot,
+  imsg_print(IMSG_ERROR,
              "Cannot look for the %s that %s \"%s\": the system's database failed: %s. See what "
              "/etc/nsswitch.conf names for \"%s\", and try again.\n",
              -1, word, relation, asked_for, reason_of(failed.error).c_str(), database_of(kind));
-  return database_failure;
+  return SYSUTL_DATABASE_FAILURE;
 }
 
 // Prints that a name is too long, and shows its first characters. Returns the failure's code.
 int report_too_long(sid_kind kind, char const* name) {
   int shown = 60;  // bytes, whole UTF-8 characters
   while ((static_cast<unsigned char>(name[shown]) & 0xC0u) == 0x80) --shown;
-  imsg_print(error_slot,
+  imsg_print(IMSG_ERROR,
              "No %s is named \"%.*s...\" on this system: the name has %zu bytes, and names have at "
              "most %zu. \"getent %s\" lists those there are.\n",
              -1, word_for(kind), shown, name, std::strlen(name), longest_name(), database_of(kind));
-  return no_such_name;
+  return SYSUTL_NO_SUCH_NAME;
 }
 
-// 0 when the name was found. Otherwise prints why it was not, and returns the code.
+// SYSUTL_FOUND when the name was found. Otherwise prints why it was not, and returns the code.
 template <class Entry>
 int check_name(answer<Entry> const& result, sid_kind kind, char const* name) {
-  if (result.found) return 0;
+  if (result.found) return SYSUTL_FOUND;
   if (name == nullptr) name = "";
   return is_too_long(name) ? report_too_long(kind, name) : report(result, kind, "is named", name);
 }
@@ -142,7 +139,7 @@ bool get_number(credutl_sid_s const* sid, sid_kind kind, std::uint32_t* number) 
   for (std::size_t i = 0; sid != nullptr && i < sizeof sid->bytes; ++i) {
     std::snprintf(digits + 2 * i, 3, "%02x", static_cast<unsigned int>(sid->bytes[i]));
   }
-  imsg_print(error_slot, "The identifier \"%s\" is no %s's: it is %s. Take one from %s.\n", -1,
+  imsg_print(IMSG_ERROR, "The identifier \"%s\" is no %s's: it is %s. Take one from %s.\n", -1,
              digits, word_for(kind), sid != nullptr ? "damaged or of another kind" : "missing",
              kind == sid_kind::user ? "sysutl_user_to_usid" : "sysutl_group_to_gsid");
   return false;
@@ -153,7 +150,7 @@ char const* or_empty(char const* field) { return field != nullptr ? field : ""; 
 
 char capital(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; }
 
-// The comment field's first part, in which '&' stands for the capitalised login name.
+// The comment field's first part, in which '&' means the capitalised login name.
 std::string full_name(passwd const& user) {
   std::string login = or_empty(user.pw_name);
   if (!login.empty()) login[0] = capital(login[0]);
@@ -237,11 +234,11 @@ char const* sysutl_user_to_fullname(char const* name) {
 int sysutl_get_homedir(char const* name, int size, char* buffer) {
   if (size > 0) buffer[0] = '\0';
   auto const user = look_up_name(getpwnam_r, name);
-  if (check_name(user, sid_kind::user, name) != 0) return 0;
+  if (check_name(user, sid_kind::user, name) != SYSUTL_FOUND) return 0;
   char const* const directory = or_empty(user.entry.pw_dir);
   std::size_t const needed = std::strlen(directory) + 1;
   if (size <= 0 || static_cast<std::size_t>(size) < needed) {
-    imsg_print(error_slot,
+    imsg_print(IMSG_ERROR,
                "The home directory of the user \"%s\" needs a buffer of %zu bytes, not %d.\n", -1,
                name, needed, size);
     return 0;

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int error_slot = 6;
-
 bool is_set(char const* variable) {
   char const* const value = std::getenv(variable);
   return value != nullptr && *value != '\0';
@@ -70,7 +68,7 @@ std::string missing_text(tbs_msg_table_t const* table, int index) {
 void print(char const* text, char const* component, char const* file, int line) {
   std::size_t const length = std::strlen(text);
   bool const ends_line = length != 0 && text[length - 1] == '\n';
-  imsg_print(error_slot, "%s%s%s: %s:%d\n", -1, text, ends_line ? "" : "\n", component,
+  imsg_print(IMSG_ERROR, "%s%s%s: %s:%d\n", -1, text, ends_line ? "" : "\n", component,
              or_else(file, "(unknown file)"), line);
 }
 

@@ -1,9 +1,9 @@
 // The memory of the texts that services return.
 //
-// Each thread has its own, made when it first asks for it. The main thread's lives until the library
-// is unloaded; when the process ends, that is after all static objects were destroyed. Another
-// thread's lives until the thread ends, after its thread-local objects were destroyed. So the
-// destructors of both may call the services, and use texts that they got before.
+// Each thread has its own, made when it first asks for it. The main thread's lives until the
+// library is unloaded; when the process ends, that is after all static objects were destroyed.
+// Another thread's lives until the thread ends, after its thread-local objects were destroyed. So
+// the destructors of both may call the services, and use texts that they got before.
 //
 // A library that is unloaded while other threads live loses theirs, some hundred bytes each.
 //

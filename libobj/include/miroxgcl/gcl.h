@@ -1,4 +1,5 @@
-// The whole library in one include.
+/// @file
+/// The whole library in one include.
 #ifndef MIROXGCL_GCL_H
 #define MIROXGCL_GCL_H
 

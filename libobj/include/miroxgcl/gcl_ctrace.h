@@ -1,13 +1,14 @@
-// GCL_Ctrace: traces a function's entry and exit, and what it says in between, as debug lines.
-//
-//   int Parser::run() {
-//     GCL_CTRACE("Parser", "run", GCL_Debug::parsing, GCL_Debug::coarse);
-//     GCL_CTRACE_OUT("token=" << token);       // token is looked at only when the trace is enabled
-//   }
-//
-//   ....DEBUG: >>[  12] Parser::run
-//   ....DEBUG:          Parser::run, token=5
-//   ....DEBUG: <<[  12] Parser::run
+/// @file
+/// GCL_Ctrace: traces a function's entry and exit, and what it says in between, as debug lines.
+///
+///     int Parser::run() {
+///       GCL_CTRACE("Parser", "run", GCL_Debug::parsing, GCL_Debug::coarse);
+///       GCL_CTRACE_OUT("token=" << token);       // token is looked at only when the trace is enabled
+///     }
+///
+///     ....DEBUG: >>[  12] Parser::run
+///     ....DEBUG:          Parser::run, token=5
+///     ....DEBUG: <<[  12] Parser::run
 #ifndef MIROXGCL_GCL_CTRACE_H
 #define MIROXGCL_GCL_CTRACE_H
 
@@ -15,13 +16,19 @@
 
 #include "miroxgcl/gcl_debug.h"
 
-// Traces end in the reverse order of their start. Every trace takes a number, enabled or not, so
-// that the numbers in a log have gaps; the lines of nested enabled traces are indented one step
-// more. Whether a trace is enabled is asked at its start and again at its end. Entry and
-// exit lines allocate nothing; a message is built by its caller.
+/// The trace of one function call, from its declaration to the end of the block.
+///
+/// Traces end in the reverse order of their start. Every trace takes a number, enabled or not, so
+/// that the numbers in a log have gaps; the lines of nested enabled traces are indented one step
+/// more. Whether a trace is enabled is asked at its start and again at its end. Entry and
+/// exit lines allocate nothing; a message is built by its caller.
+///
+/// For one thread at a time; each thread has a depth of its own.
+/// @ingroup diagnostics
 class MIROXGCL_API GCL_Ctrace {
  public:
-  // The names are not copied and must outlive the trace; null is shown as "?".
+  /// Starts a trace, and writes its entry line when it is enabled. The names are not copied and
+  /// must outlive the trace; null is shown as "?".
   GCL_Ctrace(char const* class_name, char const* function_name, GCL_Debug::Discriminator area,
              GCL_Debug::Level level)
       : m_discriminator(area),
@@ -33,17 +40,19 @@ class MIROXGCL_API GCL_Ctrace {
   }
   GCL_Ctrace(GCL_Ctrace const&) = delete;
   GCL_Ctrace& operator=(GCL_Ctrace const&) = delete;
+  /// Writes the exit line when the trace is enabled.
   ~GCL_Ctrace() {
     if (is_enabled()) leave(m_class_name, m_function_name, m_trace_id);
   }
 
+  /// Whether the trace's area is enabled at its level: one comparison.
   bool is_enabled() const { return GCL_Debug::m_debug_ptr->is_enabled(m_discriminator, m_level); }
 
-  // Writes a line with the class, the function and the text of `message`, enabled or not.
+  /// Writes a line with the class, the function and the text of `message`, enabled or not.
   void output(std::basic_ostringstream<char>& message);
 
  private:
-  // Static, so that a trace that stays disabled need not stand in memory.
+  // Static, so that a trace that stays disabled takes no memory.
   static void enter(char const* class_name, char const* function_name, std::int32_t trace_id);
   static void leave(char const* class_name, char const* function_name, std::int32_t trace_id);
 
@@ -54,13 +63,13 @@ class MIROXGCL_API GCL_Ctrace {
   std::int32_t m_trace_id;
 };
 
-// Traces from here to the end of the block. In a nested block, its trace hides the outer one.
+/// Traces from here to the end of the block. In a nested block, its trace hides the outer one.
 #define GCL_CTRACE(class_name, function_name, area, level)                         \
   _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wshadow\"")    \
       GCL_Ctrace gcl_ctrace_scope((class_name), (function_name), (area), (level)); \
   _Pragma("GCC diagnostic pop") static_assert(true, "takes the semicolon")
 
-// Writes a message of the block's trace when it is enabled: what could follow `std::cout <<`.
+/// Writes a message of the block's trace when it is enabled: what could follow `std::cout <<`.
 #define GCL_CTRACE_OUT(...)                                                       \
   do {                                                                            \
     if (gcl_ctrace_scope.is_enabled()) {                                          \

@@ -11,7 +11,9 @@
 
 #include "miroxgcl/gcl_string.h"
 
-/// Formats a string, or a pathname, as a std::string_view.
+/// @cond
+
+// Formats a string, or a pathname, as a std::string_view.
 template <class String>
 struct fmt::formatter<String, char, std::enable_if_t<std::is_base_of_v<GCL_String, String>>>
     : fmt::formatter<std::string_view, char> {
@@ -20,5 +22,7 @@ struct fmt::formatter<String, char, std::enable_if_t<std::is_base_of_v<GCL_Strin
     return fmt::formatter<std::string_view, char>::format(std::string_view(s), context);
   }
 };
+
+/// @endcond
 
 #endif

@@ -1,44 +1,53 @@
-// GCL_ImsgCollector: while it exists, information, warnings and errors of the message service are
-// collected here, with a record of which of them occurred.
+/// @file
+/// GCL_ImsgCollector: while it exists, information, warnings and errors of the message service are
+/// collected here, with a record of which of them occurred.
 #ifndef MIROXGCL_GCL_IMSG_COLLECTOR_H
 #define MIROXGCL_GCL_IMSG_COLLECTOR_H
 
 #include "miroxgcl/gcl_string_list.h"
 #include "miroxplat/imsg.h"
 
-// Messages of other kinds go where they went before. GCL_ImsgRedirect is disabled meanwhile, so
-// that what an operation's services print arrives here and not in its status; a direct
-// GCL_Status::grab_imsg_out still grabs. Collectors and grabs normally end in the reverse order of
-// their start; one that ends before others on top of it just leaves their row.
-//
-// A severity is 0 for information, 4 for a warning, 6 for an error; a derived class may use 0
-// to 10. Others are not recorded.
+/// Collects messages from its construction to its end.
+///
+/// Messages of other kinds go where they went before. GCL_ImsgRedirect is disabled meanwhile, so
+/// that what an operation's services print arrives here and not in its status; a direct
+/// GCL_Status::grab_imsg_out still grabs. Collectors and grabs normally end in the reverse order of
+/// their start; one that ends earlier removes its
+/// own table and leaves the others in place.
+///
+/// A severity is IMSG_INFORMATION (0), IMSG_WARNING (4) or IMSG_ERROR (6); a derived class may use 0
+/// to 10. Others are not recorded.
+///
+/// For one thread at a time: it acts on the messages of the thread that made it.
+/// @ingroup statuses
 class MIROXGCL_API GCL_ImsgCollector {
  public:
+  /// Installs its redirect table. Allocates nothing.
   GCL_ImsgCollector();
   GCL_ImsgCollector(GCL_ImsgCollector const&) = delete;
   GCL_ImsgCollector& operator=(GCL_ImsgCollector const&) = delete;
 
-  // Puts everything back as it was found. When "IMSG_LOST_OUTPUT" was not empty as the first
-  // collector of the process ended, writes the messages still held to standard output, after a
-  // notice.
+  /// Puts everything back as it was found. When "IMSG_LOST_OUTPUT" was not empty as the first
+  /// collector of the process ended, writes the messages still held to standard output, after a
+  /// notice.
   virtual ~GCL_ImsgCollector();
 
+  /// Whether any message is held.
   virtual bool has_messages() const;
 
-  // Replaces the content of `list` by the messages, the most recent first.
+  /// Replaces the content of `list` by the messages, the most recent first.
   virtual void messages(GCL_StringList& list) const;
 
-  // Forgets all messages and severities.
+  /// Discards all messages and severities.
   virtual void clear_messages();
 
-  // Puts `message` before the others and records its severity.
+  /// Puts `message` before the others and records its severity.
   virtual void add_message(GCL_String const& message, int severity);
 
-  // Whether a message of that severity was added since the last clear_messages().
+  /// Whether a message of that severity was added since the last clear_messages().
   virtual bool has_message(int severity);
 
-  // Calls add_message.
+  /// Calls add_message.
   virtual void handle_message(GCL_String const& message, int severity);
 
  private:

@@ -1,5 +1,7 @@
-// The collections of GCL_Status, compiled in the library. Copying a status may throw; see
-// LX_TDynamic.
+/// @file
+/// The collections of GCL_Status, compiled in the library. Copying a status may throw; see
+/// LX_TDynamic.
+/// @ingroup statuses
 #ifndef MIROXGCL_GCL_STATUS_LIST_H
 #define MIROXGCL_GCL_STATUS_LIST_H
 

@@ -63,7 +63,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   /// The first `n` bytes of `s`; shares the body of `s` when `n` is npos. REQUIRES: n is npos or
   /// at most s.length(), here and wherever a string is a source.
   GCL_String(GCL_String const& s, unsigned int n);
-  /// The first `n` bytes of the array `s`, NUL too, or the bytes before its first NUL when `n` is npos.
+  /// The first `n` bytes of the array `s`, NUL too, or the bytes before its first NUL when `n` is
+  /// npos.
   GCL_String(char const* s, unsigned int n = npos);  // NOLINT(google-explicit-constructor)
   /// The same for an array of `unsigned char`.
   GCL_String(unsigned char const* s, unsigned int n = npos);  // NOLINT(google-explicit-constructor)
@@ -82,7 +83,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     append(first, last);
   }
   template <class N, gcl_text::IfNumber<N> = 0>
-  explicit GCL_String(N,  // a number is no character: GCL_String('x', 3)
+  explicit GCL_String(N,  ///< a number is no character: GCL_String('x', 3)
                       unsigned int = 1) = delete;
   ~GCL_String() = default;
 
@@ -106,7 +107,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return assign(&c, 1);
   }
   template <class N, gcl_text::IfNumber<N> = 0, class = void, class = void>
-  GCL_String& operator=(N) = delete;  // a number is no character and no text
+  GCL_String& operator=(N) = delete;  ///< a number is no character and no text
 
   /// Copies the first `n` bytes of `s`, in place when the body is unshared and has room. Unlike
   /// operator=, never shares.
@@ -134,7 +135,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return *this = GCL_String(first, last);
   }
   template <class N, gcl_text::IfNumber<N> = 0>
-  GCL_String& assign(N, unsigned int = 1) = delete;  // a number is no character: assign('x', 3)
+  GCL_String& assign(N, unsigned int = 1) = delete;  ///< a number is no character: assign('x', 3)
 
   /// @}
   /// @name Access
@@ -279,7 +280,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     }
   }
   template <class N, gcl_text::IfNumber<N> = 0>
-  GCL_String& append(N, unsigned int = 1) = delete;  // a number is no character: append('x', 3)
+  GCL_String& append(N, unsigned int = 1) = delete;  ///< a number is no character: append('x', 3)
 
   /// Adds a text or a character.
   GCL_String& operator+=(GCL_String const& s) { return append(s); }
@@ -292,11 +293,11 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return append(s);
   }
   template <class N, gcl_text::IfNumber<N> = 0>
-  GCL_String& operator+=(N) = delete;  // a number is no character
+  GCL_String& operator+=(N) = delete;  ///< a number is no character
   /// Adds a byte.
   void push_back(char c) { append(c); }
   template <class N, gcl_text::IfNumber<N> = 0>
-  void push_back(N) = delete;  // a number is no character
+  void push_back(N) = delete;  ///< a number is no character
   /// Takes the last byte out. REQUIRES: not empty.
   void pop_back() { remove(length() - 1); }
 
@@ -319,7 +320,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return insert(gcl_text::narrow(pos), s, gcl_text::narrow(n));
   }
   template <class P, class N, class Other = unsigned int, gcl_text::IfNumber<N> = 0>
-  GCL_String& insert(P, N,  // a number is no text: insert(pos, GCL_String('x', 3))
+  GCL_String& insert(P, N,  ///< a number is no text: insert(pos, GCL_String('x', 3))
                      Other = npos) = delete;
 
   /// Puts the first `slen` bytes of `s` in the place of the `n` bytes at `pos`.
@@ -342,7 +343,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return replace(gcl_text::narrow(pos), gcl_text::narrow(n), s, gcl_text::narrow(slen));
   }
   template <class P, class M, class N, class Other = unsigned int, gcl_text::IfNumber<N> = 0>
-  GCL_String& replace(P, M, N,  // a number is no text: replace(pos, n, GCL_String('x', 3))
+  GCL_String& replace(P, M, N,  ///< a number is no text: replace(pos, n, GCL_String('x', 3))
                       Other = npos) = delete;
 
   /// Takes `n` bytes at `pos` out. When nothing is left, the string has no body.
@@ -360,8 +361,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   /// Makes the string empty, without body.
   void clear() noexcept { set_rep(nullptr); }
 
-  /// Takes `n` bytes at `pos` out and hands them to `out`. When `out` is this string, it ends as the
-  /// piece.
+  /// Takes `n` bytes at `pos` out and hands them to `out`. When `out` is this string, it ends as
+  /// the piece.
   GCL_String& get_remove(GCL_String& out, unsigned int pos, unsigned int n = npos);
   /// The same with numbers of 64 bits.
   template <class P, class N = unsigned int, gcl_text::IfWide<char*, P, N> = 0>
@@ -377,7 +378,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return *this;
   }
   template <class N, gcl_text::IfNumber<N> = 0>
-  GCL_String& put_at(unsigned int, N) = delete;  // a number is no character
+  GCL_String& put_at(unsigned int, N) = delete;  ///< a number is no character
 
   /// Cuts the text to `n` bytes, or adds as many `c` as are missing.
   template <class N>
@@ -419,9 +420,9 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
 
   /// @}
   /// @name Search
-  /// The result is a byte position, or npos. What is sought is seen up to its first NUL, the text from
-  /// where the search begins up to the next; whole characters match. Besides a string, a text or a
-  /// character may be sought; a view of more than 63 bytes is copied to the heap first.
+  /// The result is a byte position, or npos. What is sought is seen up to its first NUL, the text
+  /// from where the search begins up to the next; whole characters match. Besides a string, a text
+  /// or a character may be sought; a view of more than 63 bytes is copied to the heap first.
   /// @{
 
   /// The first occurrence of `s` at or after `pos`. An empty `s` occurs at every byte.
@@ -431,8 +432,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return find(gcl_text::Sought(s), gcl_text::narrow(pos));
   }
   /// The last occurrence of `s` not after `last`, overlapping ones included. For an empty `s` in a
-  /// text: `last` itself. It goes forward from one occurrence to the next: its cost is that of reading
-  /// the text up to `last`, and the length of `s` for each occurrence.
+  /// text: `last` itself. It goes forward from one occurrence to the next: its cost is that of
+  /// reading the text up to `last`, and the length of `s` for each occurrence.
   [[nodiscard]] unsigned int rfind(GCL_String const& s, unsigned int last = npos) const;
   template <class Text, class P = unsigned int, gcl_text::IfSought<Text> = 0>
   [[nodiscard]] unsigned int rfind(Text const& s, P last = npos) const {
@@ -444,8 +445,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   [[nodiscard]] unsigned int find_first_of(Text const& set, P pos = 0) const {
     return find_first_of(gcl_text::Sought(set), gcl_text::narrow(pos));
   }
-  /// The first character at or after `pos` whose first byte is not among those of `set`. It looks at
-  /// all bytes of both, NUL too.
+  /// The first character at or after `pos` whose first byte is not among those of `set`. It looks
+  /// at all bytes of both, NUL too.
   [[nodiscard]] unsigned int find_first_not_of(GCL_String const& set, unsigned int pos = 0) const;
   template <class Text, class P = unsigned int, gcl_text::IfSought<Text> = 0>
   [[nodiscard]] unsigned int find_first_not_of(Text const& set, P pos = 0) const {
@@ -458,8 +459,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   [[nodiscard]] unsigned int find_last_of(Text const& set, P last = npos) const {
     return find_last_of(gcl_text::Sought(set), gcl_text::narrow(last));
   }
-  /// The last character not after `last` whose first byte is not among those of `set`; npos means the
-  /// last byte. Linear.
+  /// The last character not after `last` whose first byte is not among those of `set`; npos means
+  /// the last byte. Linear.
   [[nodiscard]] unsigned int find_last_not_of(GCL_String const& set,
                                               unsigned int last = npos) const;
   template <class Text, class P = unsigned int, gcl_text::IfSought<Text> = 0>
@@ -492,17 +493,17 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return find_last_not_of(set, gcl_text::narrow(last));
   }
   template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
-  unsigned int find(N, P = 0) const = delete;  // a number is no text
+  unsigned int find(N, P = 0) const = delete;  ///< a number is no text
   template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
-  unsigned int rfind(N, P = 0) const = delete;  // a number is no text
+  unsigned int rfind(N, P = 0) const = delete;  ///< a number is no text
   template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
-  unsigned int find_first_of(N, P = 0) const = delete;  // a number is no text
+  unsigned int find_first_of(N, P = 0) const = delete;  ///< a number is no text
   template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
-  unsigned int find_first_not_of(N, P = 0) const = delete;  // a number is no text
+  unsigned int find_first_not_of(N, P = 0) const = delete;  ///< a number is no text
   template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
-  unsigned int find_last_of(N, P = 0) const = delete;  // a number is no text
+  unsigned int find_last_of(N, P = 0) const = delete;  ///< a number is no text
   template <class N, class P = unsigned int, gcl_text::IfNumber<N> = 0>
-  unsigned int find_last_not_of(N, P = 0) const = delete;  // a number is no text
+  unsigned int find_last_not_of(N, P = 0) const = delete;  ///< a number is no text
 
   /// Whether the text begins with `s`, compared byte by byte, NUL too.
   template <class Text>
@@ -544,8 +545,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
 
   /// @}
   /// @name Operators on a string and a text
-  /// Found only where one operand is a string. A text is used where it lies; a null `char const*` is the
-  /// empty text.
+  /// Found only where one operand is a string. A text is used where it lies; a null `char const*`
+  /// is the empty text.
   /// @{
 
   template <class View, gcl_text::IfView<View> = 0>
@@ -597,16 +598,16 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return !(a < b);
   }
   template <class N>
-  friend gcl_text::IfNumberThen<N, bool> operator==(  // a number is no text
+  friend gcl_text::IfNumberThen<N, bool> operator==(  ///< a number is no text
       GCL_String const&, N) = delete;
   template <class N>
-  friend gcl_text::IfNumberThen<N, bool> operator==(  // a number is no text
+  friend gcl_text::IfNumberThen<N, bool> operator==(  ///< a number is no text
       N, GCL_String const&) = delete;
   template <class N>
-  friend gcl_text::IfNumberThen<N, bool> operator!=(  // a number is no text
+  friend gcl_text::IfNumberThen<N, bool> operator!=(  ///< a number is no text
       GCL_String const&, N) = delete;
   template <class N>
-  friend gcl_text::IfNumberThen<N, bool> operator!=(  // a number is no text
+  friend gcl_text::IfNumberThen<N, bool> operator!=(  ///< a number is no text
       N, GCL_String const&) = delete;
 
 #if defined(__cpp_lib_three_way_comparison)
@@ -631,10 +632,10 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     return GCL_String::concatenate(gcl_text::view(a), b);
   }
   template <class N>
-  friend gcl_text::IfNumberThen<N, GCL_String> operator+(  // a number is no character
+  friend gcl_text::IfNumberThen<N, GCL_String> operator+(  ///< a number is no character
       GCL_String const&, N) = delete;
   template <class N>
-  friend gcl_text::IfNumberThen<N, GCL_String> operator+(  // a number is no character
+  friend gcl_text::IfNumberThen<N, GCL_String> operator+(  ///< a number is no character
       N, GCL_String const&) = delete;
 
   /// @}
@@ -689,8 +690,8 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
     LX_REQUIRE(pos <= length(), "Range_Error", operation, LX_kInvalidIndex);
   }
 
-  // A sole holder may change the body, if `newlen` bytes and the terminator fit, and a string may be
-  // as long.
+  // A sole holder may change the body, if `newlen` bytes and the terminator fit, and a string may
+  // be as long.
   bool may_change_in_place(unsigned int newlen) const noexcept {
     return body() != nullptr && body()->reference_count() <= 1 && newlen < body()->m_capacity &&
            newlen <= GCL_StringRep::max_length;
@@ -741,8 +742,8 @@ MIROXGCL_API inline bool operator!=(char const* a, GCL_String const& b) noexcept
   return !(b == a);
 }
 
-/// A temporary on the left takes the right side's bytes and becomes the result: a chain of sums builds
-/// one string.
+/// A temporary on the left takes the right side's bytes and becomes the result: a chain of sums
+/// builds one string.
 MIROXGCL_API inline GCL_String operator+(GCL_String&& a, GCL_String const& b) {
   return std::move(a.append(b));
 }
@@ -768,9 +769,9 @@ MIROXGCL_API std::ostream& operator<<(std::ostream& os, GCL_String const& s);
 /// Reads a line without its delimiter, which is taken from the stream. The length has no limit, and
 /// the string grows by 32 bytes at a time.
 ///
-/// The stream stays good when anything was read, also when the input ended there; otherwise it fails
-/// and `s` is empty. An empty line is a success. When the stream throws, or memory ends, what was taken
-/// from the stream is in `s`.
+/// The stream stays good when anything was read, also when the input ended there; otherwise it
+/// fails and `s` is empty. An empty line is a success. When the stream throws, or memory ends, what
+/// was taken from the stream is in `s`.
 MIROXGCL_API std::istream& getline(std::istream& is, GCL_String& s, char delim = '\n');
 
 /// Reads a word, which ends before a whitespace character; before it, whitespace is skipped as the
@@ -781,7 +782,9 @@ MIROXGCL_API std::istream& operator>>(std::istream& is, GCL_String& s);
 /// std::equal_to<> looks views and literals up without making strings of them.
 template <>
 struct std::hash<GCL_String> {
+  /// Marks that views are hashed as strings are.
   using is_transparent = void;
+  /// The hash of a string, a view or a literal.
   std::size_t operator()(std::string_view s) const noexcept {
     return std::hash<std::string_view>()(s);
   }

@@ -1,8 +1,8 @@
 /// @file
 /// What programs do with whole texts: trim, split, join, look at their ends.
 ///
-/// Each takes a GCL_String first, or a list of them; for literals it is not even considered, so that
-/// it gets in the way of no function of the same name that a program has itself.
+/// Each takes a GCL_String first, or a list of them; for literals it is not even considered, so
+/// that it gets in the way of no function of the same name that a program has itself.
 #ifndef MIROXGCL_GCL_STRING_ALGO_H
 #define MIROXGCL_GCL_STRING_ALGO_H
 
@@ -58,7 +58,7 @@ GCL_StringList split(String const& s, std::string_view separator) {
   while (!separator.empty()) {
     std::size_t const at = rest.find(separator);
     if (at == std::string_view::npos) break;
-    if (pieces.Length() == room) pieces.Preallocate(room *= 2);  // growth by chunks is quadratic
+    LX_DoubleWhenFull(pieces, room);
     pieces.Append(GCL_String(rest.substr(0, at)));
     rest.remove_prefix(at + separator.size());
   }

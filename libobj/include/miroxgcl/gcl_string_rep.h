@@ -1,6 +1,7 @@
-// GCL_StringRep: the body that strings share, a counted byte buffer with a length and a capacity.
-//
-// Strings decide when a body may change; the body decides how much room a buffer gets.
+/// @file
+/// GCL_StringRep: the body that strings share, a counted byte buffer with a length and a capacity.
+///
+/// Strings decide when a body may change; the body decides how much room a buffer gets.
 #ifndef MIROXGCL_GCL_STRING_REP_H
 #define MIROXGCL_GCL_STRING_REP_H
 
@@ -8,43 +9,51 @@
 
 #include "miroxgcl/gcl_body.h"
 
-// Invariants:
-//   1. m_length < m_capacity, so the byte after the text exists. The library keeps it NUL, so that
-//      reading the text writes nothing.
-//   2. m_capacity never changes: a body that is too small is replaced, not enlarged.
-//   3. m_length changes only while one handle holds the body.
+/// The body of a string.
+///
+/// Invariants:
+/// 1. m_length < m_capacity, so the byte after the text exists. The library keeps it NUL, so that
+///    reading the text writes nothing.
+/// 2. m_capacity never changes: a body that is too small is replaced, not enlarged.
+/// 3. m_length changes only while one handle holds the body.
+/// @ingroup strings
 class MIROXGCL_API GCL_StringRep final : public GCL_Body {
  public:
-  // The greatest length of a text in bytes: one less than GCL_String::npos.
+  /// The greatest length of a text in bytes: one less than GCL_String::npos.
   static constexpr unsigned int max_length = 0x7FFFFFFEu;
 
-  // A body of `length` bytes with room for `reserve` bytes, or for the text and its terminator,
-  // whichever is more, rounded up by the growth rule. Copies `length` bytes from `text`; when
-  // `text` is null they are left for the caller to fill. The count is 0.
-  // Throws std::bad_alloc, or std::bad_array_new_length when length > max_length.
+  /// A body of `length` bytes with room for `reserve` bytes, or for the text and its terminator,
+  /// whichever is more, rounded up by the growth rule. Copies `length` bytes from `text`; when
+  /// `text` is null they are left for the caller to fill. The count is 0.
+  /// Throws std::bad_alloc, or std::bad_array_new_length when length > max_length.
   GCL_StringRep(unsigned int length, unsigned int reserve, char const* text);
   ~GCL_StringRep() override;
 
-  bool is_null() const override;  // length() == 0
+  bool is_null() const override;  ///< length() == 0
 
-  // Whether both texts are the same bytes; null equals an empty text.
+  /// Whether both texts are the same bytes; null equals an empty text.
   bool operator==(GCL_Body const* other) const override;
 
+  /// The length of the text in bytes, the size of the buffer in bytes, and the buffer, which the
+  /// body owns.
+  /// @{
   unsigned int length() const { return m_length; }
   unsigned int capacity() const { return m_capacity; }
   char const* buffer() const { return m_buffer; }
+  /// @}
 
-  // A hash of the bytes, the same on every machine. It forgets all but about the last 28 bytes and
-  // the length, so that it spreads texts with a common tail badly: std::hash<GCL_String> does not.
+  /// A hash of the bytes, the same on every machine. It forgets all but about the last 28 bytes and
+  /// the length, so that it spreads texts with a common tail badly: std::hash<GCL_String> does not.
   unsigned int hash() const;
 
-  // A hash that texts differing only in the case of letters share; it ends at the first NUL.
-  // Allocates a scratch copy of the text; throws std::bad_alloc.
+  /// A hash that texts differing only in the case of letters share; it ends at the first NUL.
+  /// Allocates a scratch copy of the text; throws std::bad_alloc.
   unsigned int hash_fold_case() const;
 
-  // The empty body that default-constructed strings share. It is never freed and never changed;
-  // the first call, from whatever thread, builds it in memory of the library's own. Does not touch its
-  // count, unless there are threads: then it is made so high that it need not be changed any more.
+  /// The empty body that default-constructed strings share. It is never freed and never changed;
+  /// the first call, from whatever thread, builds it in memory of the library's own. Does not touch
+  /// its count, unless there are threads: then it is made so high that it need not be changed any
+  /// more.
   static GCL_StringRep* null_instance() noexcept {
     GCL_StringRep* const rep = __atomic_load_n(&m_null_instance, __ATOMIC_ACQUIRE);
     if (rep == nullptr) return build_null_instance();
@@ -52,14 +61,16 @@ class MIROXGCL_API GCL_StringRep final : public GCL_Body {
     return rep;
   }
 
-  // The size of a body in memory is not known from its class: strings make it one block with its
-  // buffer.
+  /// The size of a body in memory is not known from its class: strings make it one block with its
+  /// buffer.
+  /// @{
   static void* operator new(std::size_t n);
   static void operator delete(void* p) noexcept;
   static void* operator new(std::size_t, void* place) noexcept { return place; }
   static void operator delete(void*, void*) noexcept {}
+  /// @}
 
-  // `length` as a body has it. Throws std::bad_array_new_length when it exceeds max_length.
+  /// `length` as a body has it. Throws std::bad_array_new_length when it exceeds max_length.
   static unsigned int checked_length(std::uint64_t length);
 
  private:

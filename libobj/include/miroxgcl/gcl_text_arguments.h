@@ -17,6 +17,8 @@
 
 #include "miroxgcl/gcl_config.h"
 
+/// @cond IMPLEMENTATION
+
 namespace gcl_text {
 
 template <class Traits, class Allocator>
@@ -25,7 +27,7 @@ template <class Traits>
 std::true_type is_view(std::basic_string_view<char, Traits> const*);
 std::false_type is_view(void const volatile*);
 
-/// std::string, std::string_view and classes derived from them.
+// std::string, std::string_view and classes derived from them.
 template <class T>
 using IsView = decltype(is_view(static_cast<T const*>(nullptr)));
 
@@ -60,7 +62,7 @@ using IfByte = std::enable_if_t<is_character_v<Byte>, int>;
 template <class Byte>
 using IfUnsigned = std::enable_if_t<std::is_same_v<Byte, unsigned char>, int>;
 
-/// One of the numbers is wider than 32 bits, and what comes with them is no number.
+// One of the numbers is wider than 32 bits, and what comes with them is no number.
 template <class Source, class... N>
 using IfWide = std::enable_if_t<
     !is_number_v<Source> && (std::is_integral_v<N> && ...) && (is_wide_v<N> || ...), int>;
@@ -69,8 +71,8 @@ template <class Iterator>
 using IfIterator = std::enable_if_t<
     std::is_convertible_v<typename std::iterator_traits<Iterator>::reference, char>, int>;
 
-/// A count or position of any integer type as 32 bits have it. What they cannot hold becomes the
-/// largest number, which is beyond every text, instead of losing its upper bits.
+// A count or position of any integer type as 32 bits have it. What they cannot hold becomes the
+// largest number, which is beyond every text, instead of losing its upper bits.
 template <class N>
 constexpr unsigned int narrow(N n) noexcept {
   if constexpr (std::is_same_v<N, unsigned int>) {
@@ -95,8 +97,8 @@ std::string_view view(T const& s) noexcept {
   return {s.data(), s.size()};
 }
 
-/// What a search looks for: a null-terminated text and its length. A search that uses the string
-/// utility sees it up to its first NUL. Only a view is copied, to the heap when it is long.
+// What a search looks for: a null-terminated text and its length. A search that uses the string
+// utility sees it up to its first NUL. Only a view is copied, to the heap when it is long.
 class MIROXGCL_API Sought {
  public:
   explicit Sought(char const* s) noexcept : Sought(s != nullptr ? s : "", view(s).size()) {}
@@ -107,7 +109,7 @@ class MIROXGCL_API Sought {
   template <class Traits, class Allocator>
   explicit Sought(std::basic_string<char, Traits, Allocator> const& s) noexcept
       : Sought(s.c_str(), s.size()) {}
-  /// Throws std::bad_alloc.
+  // Throws std::bad_alloc.
   explicit Sought(std::string_view s);
   Sought(Sought const&) = delete;
   Sought& operator=(Sought const&) = delete;
@@ -118,7 +120,7 @@ class MIROXGCL_API Sought {
   char const* text() const noexcept { return m_text; }
   unsigned int length() const noexcept { return m_length; }
 
-  /// A null-terminated text of that length.
+  // A null-terminated text of that length.
   Sought(char const* s, std::size_t length) noexcept : m_text(s), m_length(narrow(length)) {}
 
  private:
@@ -129,5 +131,7 @@ class MIROXGCL_API Sought {
 };
 
 }  // namespace gcl_text
+
+/// @endcond
 
 #endif

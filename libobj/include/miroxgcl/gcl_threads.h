@@ -21,8 +21,8 @@ inline bool is_single() noexcept {
 #endif
 }
 
-/// A count as high as this is not changed any more while there are threads: so many at once no
-/// program has, and what may never be freed is set to more (see make_immortal).
+/// A count as high as this is not changed any more while there are threads: no program has so
+/// many holders, and what must never be freed is set to more (see make_immortal).
 constexpr std::uint32_t immortal = 0x40000000u;
 
 /// Adds one to a count.
@@ -49,8 +49,8 @@ inline std::uint32_t read(std::uint32_t const& count) noexcept {
   return __atomic_load_n(&count, __ATOMIC_ACQUIRE);
 }
 
-/// Once there are threads, makes a count so high that it need not be changed any more. Threads do not
-/// wait for each other at it then.
+/// Once there are threads, makes a count so high that it need not be changed any more. Threads do
+/// not wait for each other at it then.
 inline void make_immortal(std::uint32_t& count) noexcept {
   if (is_single()) return;
   std::uint32_t old = __atomic_load_n(&count, __ATOMIC_RELAXED);

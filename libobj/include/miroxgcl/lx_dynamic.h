@@ -1,22 +1,23 @@
-// LX_TDynamic<T,M>: a circular array of slots that grows and shrinks in whole chunks, and
-// LX_TDynamicCollection<T,M>, the LX_TCollection<T> made of one.
-//
-// Putting an item first or last moves no other; an insertion or removal inside moves the items on
-// one side. Growth is by one chunk, so n appends cost n/chunk reallocations: use a larger chunk, or
-// Preallocate(), for long arrays. A removal gives back the chunks that are no longer needed: at a
-// chunk's border, an append and a removal in turn move all items each time.
-//
-//   LX_TDynamic<int> a(4);      // chunks of 4 slots, none held yet
-//   a.Append(1);                // 4 slots
-//   a.Insert(0);                // in the last slot: the run wraps; a[0] is 0, a[1] is 1
-//   a.Clear();                  // no slots
-//
-// Invariants of the array:
-//   1. Each of the m_size slots at m_items holds a constructed T; m_items is null when m_size is 0.
-//   2. m_size is a multiple of the chunk size in force when the slots were obtained.
-//   3. Positions count from 1; 0 in both m_start and m_stop means empty.
-//   4. The items stand at positions m_start to m_stop, wrapping from m_size to 1 when m_start is
-//      the greater.
+/// @file
+/// LX_TDynamic<T,M>: a circular array of slots that grows and shrinks in whole chunks, and
+/// LX_TDynamicCollection<T,M>, the LX_TCollection<T> made of one.
+///
+/// Putting an item first or last moves no other; an insertion or removal inside moves the items on
+/// one side. Growth is by one chunk, so n appends cost n/chunk reallocations: use a larger chunk,
+/// or Preallocate(), for long arrays. A removal gives back the chunks that are no longer needed: at
+/// a chunk's border, an append and a removal in turn move all items each time.
+///
+///     LX_TDynamic<int> a(4);      // chunks of 4 slots, none held yet
+///     a.Append(1);                // 4 slots
+///     a.Insert(0);                // in the last slot: the run wraps; a[0] is 0, a[1] is 1
+///     a.Clear();                  // no slots
+///
+/// Invariants of the array:
+/// 1. Each of the m_size slots at m_items holds a constructed T; m_items is null when m_size is 0.
+/// 2. m_size is a multiple of the chunk size in force when the slots were obtained.
+/// 3. Positions count from 1; 0 in both m_start and m_stop means empty.
+/// 4. The items occupy positions m_start to m_stop, wrapping from m_size to 1 when m_start is
+///    the greater.
 #ifndef MIROXGCL_LX_DYNAMIC_H
 #define MIROXGCL_LX_DYNAMIC_H
 
@@ -42,37 +43,49 @@
 #include "miroxgcl/lx_trivially_relocatable.h"
 #include "miroxgcl/lx_unmanaged.h"
 
-// When T's copying or M throws, the array keeps its value. An argument may be an item of this array, or
-// belong to one. A slot that an item has left keeps a copy of it until it is overwritten or the slots
-// are released, where copying cannot throw.
-//
-// Items move when the array grows: a status with an open grab, for one, must not lie in an array.
+/// When T's copying or M throws, the array keeps its value. An argument may be an item of this
+/// array, or belong to one. A slot that an item has left keeps a copy of it until it is overwritten
+/// or the slots are released, where copying cannot throw.
+///
+/// Items move when the array grows: a status with an open grab, for one, must not lie in an array.
+/// @ingroup collections
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TDynamic {
  public:
-  // No slots. A chunk size of 0 grows as if by 32.
+  /// No slots. A chunk size of 0 grows as if by 32.
+  /// @{
   LX_TDynamic() noexcept : LX_TDynamic(0) {}
   explicit LX_TDynamic(unsigned int chunk_size) noexcept : m_chunk_size(chunk_size) {}
-  // Takes the chunk size too.
+  /// @}
+  /// Takes the chunk size too.
+  /// @{
   LX_TDynamic(LX_TDynamic const& other) : LX_TDynamic(other.m_chunk_size) { *this = other; }
   LX_TDynamic(LX_TDynamic&& other) noexcept : LX_TDynamic(other.m_chunk_size) { Steal(other); }
   LX_TDynamic(std::initializer_list<T> items) : LX_TDynamic() { *this = items; }
   ~LX_TDynamic() { Clear(); }
+  /// @}
 
-  // Keeps this array's own chunk size. The move takes the other's slots and leaves it empty.
+  /// Keeps this array's own chunk size. The move takes the other's slots and leaves it empty.
+  /// @{
   LX_TDynamic& operator=(LX_TDynamic const& other);
   LX_TDynamic& operator=(LX_TDynamic&& other) noexcept;
   LX_TDynamic& operator=(std::initializer_list<T> items);
+  /// @}
 
+  /// 1 when both hold the same number of items, equal in order.
+  /// @{
   int operator==(LX_TDynamic const& other) const;
   int operator!=(LX_TDynamic const& other) const { return !(*this == other); }
+  /// @}
 
+  /// The number of items.
   unsigned int Length() const {
     if (m_start == 0) return 0;
     return m_stop - m_start + 1 + (Wraps() ? m_size : 0);
   }
 
-  // REQUIRES: i < Length().
+  /// REQUIRES: i < Length().
+  /// @{
   T const& ItemAt(unsigned int i) const {
     RequireIndex(i, "LX_TDynamic::ItemAt");
     return m_items[SlotOf(i)];
@@ -89,8 +102,10 @@ class MIROXGCL_API LX_TDynamic {
     RequireIndex(i, "LX_TDynamic<>::operator[]");
     return m_items[SlotOf(i)];
   }
+  /// @}
 
-  // REQUIRES: Length() > 0.
+  /// REQUIRES: Length() > 0.
+  /// @{
   T const& First() const {
     RequireItems("LX_TDynamic::First");
     return m_items[m_start - 1];
@@ -107,25 +122,29 @@ class MIROXGCL_API LX_TDynamic {
     RequireItems("LX_TDynamic::Last");
     return m_items[m_stop - 1];
   }
+  /// @}
 
-  // The slots of a chunk. A new size applies from the next reallocation. REQUIRES: c > 0.
+  /// The slots of a chunk. A new size applies from the next reallocation. REQUIRES: c > 0.
+  /// @{
   unsigned int ChunkSize() const { return m_chunk_size; }
   void SetChunkSize(unsigned int c) {
     LX_REQUIRE(c != 0, "Not_Null", "LX_TDynamic<>::SetChunkSize", LX_kNotEmpty);
     m_chunk_size = c;
   }
+  /// @}
 
-  // Gives the array the fewest chunks that hold `n` items, when it has fewer items: more or fewer slots
-  // than before. The next removal gives unused chunks back.
+  /// Gives the array the fewest chunks that hold `n` items, when it has fewer items: more or fewer
+  /// slots than before. The next removal gives unused chunks back.
   void Preallocate(unsigned int n) {
     if (Length() < n) Resize(Length(), n, 1);
   }
 
-  // Removes every item and releases all slots.
+  /// Removes every item and releases all slots.
   void Clear() { Resize(0, 0, 0); }
 
-  // Put `item` first or last: constant time unless the array is full. `item` may be one of this
-  // array's own, here and below. (The slot beside the run is nearly always free.)
+  /// Put `item` first or last: constant time unless the array is full. `item` may be one of this
+  /// array's own, here and below. (The slot beside the run is nearly always free.)
+  /// @{
   void Insert(T const& item) {
     if (m_start <= 1 || m_start - 1 == m_stop) return PutFirstOrLast(item, false);
     LX_AssignItem(m_items[m_start - 2], item);
@@ -136,44 +155,51 @@ class MIROXGCL_API LX_TDynamic {
     LX_AssignItem(m_items[m_stop], item);
     ++m_stop;
   }
+  /// @}
 
-  // Put `item` before or after the item at `i`; in an empty array, `i` does not matter.
-  // REQUIRES: i <= Length() for Insert, i < Length() for Append, or an empty array.
+  /// Put `item` before or after the item at `i`; in an empty array, `i` does not matter.
+  /// REQUIRES: i <= Length() for Insert, i < Length() for Append, or an empty array.
+  /// @{
   void Insert(T const& item, unsigned int i);
   void Append(T const& item, unsigned int i);
+  /// @}
 
-  // Takes the item at `i` out and gives back the chunks that are no longer needed; when memory for
-  // the smaller array cannot be had, keeps the larger one. REQUIRES: i < Length().
+  /// Takes the item at `i` out and gives back the chunks that are no longer needed; when memory for
+  /// the smaller array cannot be had, keeps the larger one. REQUIRES: i < Length().
   void Remove(unsigned int i);
 
-  // REQUIRES: i < Length().
+  /// REQUIRES: i < Length().
   void Replace(unsigned int i, T const& item) {
     LX_REQUIRE(i < Length(), "Range_Error", "LX_TDynamic::Replace", LX_kInvalidIndex);
     LX_ReplaceItem(m_items[SlotOf(i)], item);
   }
 
-  // The first index at or after `start` whose item equals `item`, or -1. REQUIRES: start <=
-  // Length().
+  /// The first index at or after `start` whose item equals `item`, or -1. REQUIRES: start <=
+  /// Length().
   int Location(T const& item, unsigned int start) const;
 
-  // Gives the array the fewest chunks that hold `length` slots, keeping the first `count` items, in
-  // the first slots, when `keep` is not 0. Does nothing when it has that many slots already. Throws
-  // std::bad_alloc, or std::bad_array_new_length for more slots than an int counts, before anything
-  // changes.
-  // REQUIRES: count <= length, count <= Length().
+  /// Gives the array the fewest chunks that hold `length` slots, keeping the first `count` items,
+  /// in the first slots, when `keep` is not 0. Does nothing when it has that many slots already.
+  /// Throws std::bad_alloc, or std::bad_array_new_length for more slots than an int counts, before
+  /// anything changes. REQUIRES: count <= length, count <= Length().
   void Resize(unsigned int count, unsigned int length, int keep);
 
-  // The moving steps of insertion and removal, by slot (a slot counts from 0, a position from 1);
-  // what moves wraps at the array's end. Expand: make room towards the end for the items from slot
-  // `p` on, or towards the front for those before it; answer the slot opened. REQUIRES: a free
-  // slot.
+  /// The moving steps of insertion and removal, by slot (a slot counts from 0, a position from 1);
+  /// what moves wraps at the array's end. Expand: make room towards the end for the items from slot
+  /// `p` on, or towards the front for those before it; answer the slot opened. REQUIRES: a free
+  /// slot.
+  /// @{
   unsigned int ExpandRight(unsigned int p) { return Adopt(OpenRight(p)); }
   unsigned int ExpandLeft(unsigned int p) { return Adopt(OpenLeft(p)); }
-  // Shrink: close slot `p` with the items behind it, or before it.
+  /// @}
+  /// Shrink: close slot `p` with the items behind it, or before it.
+  /// @{
   void ShrinkRight(unsigned int p);
   void ShrinkLeft(unsigned int p);
+  /// @}
 
-  // For range-for and the standard algorithms.
+  /// For range-for and the standard algorithms.
+  /// @{
   using value_type = T;
   using iterator = LX_TIndexIterator<LX_TDynamic, T>;
   using const_iterator = LX_TIndexIterator<LX_TDynamic const, T const>;
@@ -191,8 +217,10 @@ class MIROXGCL_API LX_TDynamic {
   std::reverse_iterator<const_iterator> rend() const {
     return std::reverse_iterator<const_iterator>(begin());
   }
+  /// @}
 
-  // The standard library's names for Length, Append, First, Last and Clear.
+  /// The standard library's names for Length, Append, First, Last and Clear.
+  /// @{
   using size_type = unsigned int;
   using difference_type = std::ptrdiff_t;
   using reference = T&;
@@ -205,9 +233,13 @@ class MIROXGCL_API LX_TDynamic {
   T& back() { return Last(); }
   T const& back() const { return Last(); }
   void clear() { Clear(); }
+  /// @}
 
+  /// Allocate through M.
+  /// @{
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+  /// @}
 
  private:
   class MIROXGCL_LOCAL Slots;
@@ -226,8 +258,8 @@ class MIROXGCL_API LX_TDynamic {
   unsigned int After(unsigned int position) const { return position == m_size ? 1 : position + 1; }
   unsigned int Before(unsigned int position) const { return position == 1 ? m_size : position - 1; }
 
-  // Copying is the rule between slots; moving serves where only copying may throw. Where both may, an
-  // item is put or taken out inside a copy of the array, which then takes this one's place.
+  // Copying is the rule between slots; moving serves where only copying may throw. Where both may,
+  // an item is put or taken out inside a copy of the array, which then takes this one's place.
   static constexpr bool CopiesSafely() { return std::is_nothrow_copy_assignable_v<T>; }
   static constexpr bool Moves() { return !CopiesSafely() && std::is_nothrow_move_assignable_v<T>; }
   static constexpr bool ChangesACopy() { return !CopiesSafely() && !Moves(); }
@@ -287,13 +319,17 @@ class MIROXGCL_API LX_TDynamic {
   unsigned int m_stop = 0;          // position of the last item
 };
 
-// The collection forwards to its array; see there for what each operation costs and requires.
+/// The collection forwards to its array; see there for what each operation costs and requires.
+/// @ingroup collections
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
  public:
+  /// As the array's constructors.
+  /// @{
   LX_TDynamicCollection() = default;
   explicit LX_TDynamicCollection(unsigned int chunk_size) : m_dynamic(chunk_size) {}
   LX_TDynamicCollection(std::initializer_list<T> items) : m_dynamic(items) {}
+  /// @}
   LX_TDynamicCollection(LX_TDynamicCollection const& other) = default;
   LX_TDynamicCollection(LX_TDynamicCollection&& other) noexcept
       : LX_TCollection<T>(), m_dynamic(std::move(other.m_dynamic)) {}
@@ -329,8 +365,10 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
   unsigned int Cardinality() const override { return m_dynamic.Length(); }
   T const& ItemAt(unsigned int i) const override { return m_dynamic.ItemAt(i); }
 
-  // Copies the array: this collection keeps its own chunk size. The move, which a temporary gets, is
-  // not virtual: assigned through a reference to this class, it does not reach a derived class's.
+  /// Copies the array: this collection keeps its own chunk size. The move, which a temporary gets,
+  /// is not virtual: assigned through a reference to this class, it does not reach a derived
+  /// class's.
+  /// @{
   virtual LX_TDynamicCollection& operator=(LX_TDynamicCollection const& other) {
     m_dynamic = other.m_dynamic;
     return *this;
@@ -347,9 +385,12 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
     return m_dynamic == other.m_dynamic;
   }
   int operator!=(LX_TDynamicCollection const& other) const { return !(*this == other); }
+  /// @}
 #if __cplusplus > 201703L
-  // C++20 also tries comparisons with their sides exchanged; these leave it no choice. (A collection
-  // of one's own class that overrides operator== compares with this one as an LX_TCollection<T>.)
+  /// C++20 also tries comparisons with their sides exchanged; these leave it no choice. (A
+  /// collection of one's own class that overrides operator== compares with this one as an
+  /// LX_TCollection<T>.)
+  /// @{
   template <class N>
   int operator==(LX_TDynamicCollection<T, N> const& other) const {
     return *this == static_cast<LX_TCollection<T> const&>(other);
@@ -357,21 +398,36 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
   friend int operator==(LX_TCollection<T> const& a, LX_TDynamicCollection const& b) {
     return a.operator==(b);
   }
+  /// @}
 #endif
+  /// As the array's.
+  /// @{
   virtual void SetChunkSize(unsigned int c) { m_dynamic.SetChunkSize(c); }
   virtual void Preallocate(unsigned int n) { m_dynamic.Preallocate(n); }
   virtual unsigned int ChunkSize() const { return m_dynamic.ChunkSize(); }
+  /// @}
 
+  /// Allocate through M.
+  /// @{
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
   static void* operator new(std::size_t, void* place) noexcept { return place; }
   static void operator delete(void*, void*) noexcept {}
+  /// @}
 
  private:
   LX_TDynamic<T, M> m_dynamic;
 };
 
+/// @cond IMPLEMENTATION
 // --- Implementation.
+
+// For many appends: doubles the room of a list that is full, where it would grow by one chunk, and so
+// keeps their cost linear. `room` is how many items it has room for.
+template <class List>
+void LX_DoubleWhenFull(List& list, unsigned int& room) {
+  if (list.Length() == room) list.Preallocate(room *= 2);
+}
 
 // How many chunks an array of `length` slots takes, and how many slots that makes.
 struct LX_ChunkPlan {
@@ -501,8 +557,8 @@ LX_TDynamic<T, M>& LX_TDynamic<T, M>::operator=(std::initializer_list<T> items) 
 }
 
 // Makes the array `n` items, each a copy of what `item_at` answers for its index, which one of this
-// array's items may own: the new slots are complete before the old ones go. Where their number stays,
-// those behind the items keep what they hold.
+// array's items may own: the new slots are complete before the old ones go. Where their number
+// stays, those behind the items keep what they hold.
 template <class T, class M>
 template <class Source>
 void LX_TDynamic<T, M>::AssignItems(unsigned int n, Source item_at) {
@@ -565,7 +621,8 @@ bool LX_TDynamic<T, M>::Holds(T const& item) const {
 template <class T, class M>
 void LX_TDynamic<T, M>::PutFirstOrLast(T const& item, bool last) {
   if (IsFull()) {
-    if (m_size != 0 && (LX_MayOwn<T>() || Holds(item))) {  // what goes with the old slots is copied first
+    if (m_size != 0 &&
+        (LX_MayOwn<T>() || Holds(item))) {  // what goes with the old slots is copied first
       Slots copy(1);
       copy.Build(item);
       Grow();
@@ -629,8 +686,8 @@ void LX_TDynamic<T, M>::Fill(Open open, Item&& item) {
   Adopt(opening);
 }
 
-// Changes this array or, where moving an item may throw, a copy of all its slots which then takes its
-// place.
+// Changes this array or, where moving an item may throw, a copy of all its slots which then takes
+// its place.
 template <class T, class M>
 template <class Change>
 void LX_TDynamic<T, M>::ChangeSafely(Change change) {
@@ -742,5 +799,7 @@ int LX_TDynamic<T, M>::Location(T const& item, unsigned int start) const {
   }
   return -1;
 }
+
+/// @endcond
 
 #endif

@@ -1,23 +1,27 @@
-// What the containers ask of their items, each in one place, so that an item that cannot do it is
-// refused in one line.
+//// @file
+/// What the containers ask of their items, each in one place, so that an item that cannot do it is
+/// refused in one line.
 #ifndef MIROXGCL_LX_ITEM_H
 #define MIROXGCL_LX_ITEM_H
 
 #include <type_traits>
 #include <utility>
 
+/// @cond IMPLEMENTATION
+
 template <class T, class = void>
 struct LX_TIsEqualityComparable : std::false_type {};
 template <class T>
-struct LX_TIsEqualityComparable<
-    T, std::void_t<decltype(static_cast<bool>(std::declval<T const&>() == std::declval<T const&>()))>>
+struct LX_TIsEqualityComparable<T, std::void_t<decltype(static_cast<bool>(
+                                       std::declval<T const&>() == std::declval<T const&>()))>>
     : std::true_type {};
 
 template <class T>
 constexpr bool LX_IsCopyConstructible() {
-  static_assert(std::is_copy_constructible_v<T>,
-                "The containers copy their items, and this item cannot be copied: hold a pointer, or "
-                "a std::shared_ptr, instead.");
+  static_assert(
+      std::is_copy_constructible_v<T>,
+      "The containers copy their items, and this item cannot be copied: hold a pointer, or "
+      "a std::shared_ptr, instead.");
   return std::is_copy_constructible_v<T>;
 }
 template <class T>
@@ -29,9 +33,10 @@ constexpr bool LX_IsCopyAssignable() {
 }
 template <class T>
 constexpr bool LX_IsDefaultConstructible() {
-  static_assert(std::is_default_constructible_v<T>,
-                "An array's free slots hold default items, and this item has no default constructor: "
-                "use a LX_TUnbounded, which has no free slots.");
+  static_assert(
+      std::is_default_constructible_v<T>,
+      "An array's free slots hold default items, and this item has no default constructor: "
+      "use a LX_TUnbounded, which has no free slots.");
   return std::is_default_constructible_v<T>;
 }
 template <class T>
@@ -72,5 +77,7 @@ void LX_ReplaceItem([[maybe_unused]] T& to, [[maybe_unused]] T const& from) {
     }
   }
 }
+
+/// @endcond
 
 #endif

@@ -1,7 +1,8 @@
-// LX_TIndexIterator: the iterators that begin() and end() of the containers answer.
-//
-//   for (GCL_String& s : list) s.append('!');
-//   bool const found = std::find(list.begin(), list.end(), "x") != list.end();
+/// @file
+/// LX_TIndexIterator: the iterators that begin() and end() of the containers answer.
+///
+///     for (GCL_String& s : list) s.append('!');
+///     bool const found = std::find(list.begin(), list.end(), "x") != list.end();
 #ifndef MIROXGCL_LX_ITERATOR_H
 #define MIROXGCL_LX_ITERATOR_H
 
@@ -9,13 +10,17 @@
 #include <iterator>
 #include <type_traits>
 
-// A container and an index. It reaches the items through the container's own operations, and so
-// stays valid through every change of it, while its index is at most the length. After Remove(i) an
-// iterator at i is at the item that followed: a loop that removes steps only where it does not.
-// Container is constant for a constant iterator. Steps cost nothing, a look-up what operator[] costs.
+/// A container and an index. It reaches the items through the container's own operations, and so
+/// stays valid through every change of it, while its index is at most the length. After Remove(i)
+/// an iterator at i is at the item that followed: a loop that removes steps only where it does not.
+/// Container is constant for a constant iterator. Steps cost nothing, a look-up what operator[]
+/// costs.
+/// @ingroup collections
 template <class Container, class Item>
 class LX_TIndexIterator {
  public:
+  /// What the standard algorithms ask of a random-access iterator. No index is checked.
+  /// @{
   using iterator_category = std::random_access_iterator_tag;
   using value_type = std::remove_const_t<Item>;
   using difference_type = std::ptrdiff_t;
@@ -75,6 +80,8 @@ class LX_TIndexIterator {
     return !(a < b);
   }
 
+  /// @}
+
  private:
   template <class, class>
   friend class LX_TIndexIterator;
@@ -83,10 +90,13 @@ class LX_TIndexIterator {
   difference_type m_index = 0;
 };
 
-// What the three active iterators say of their index, which is -1 where nothing was found at the start.
+/// What the three active iterators say of their index, which is -1 where nothing was found at the
+/// start.
+/// @{
 constexpr int LX_FirstIndex(unsigned int length) noexcept { return length != 0 ? 0 : -1; }
 constexpr bool LX_IsBeyond(int index, unsigned int length) noexcept {
   return index < 0 || static_cast<unsigned int>(index) >= length;
 }
+/// @}
 
 #endif

@@ -1,9 +1,10 @@
-// LX_TStack<T>: the interface of a last-in, first-out stack; the iterator over it; and
-// LX_TUnboundedStack<T,M>, the stack made of a linked list.
-//
-//   LX_TUnboundedStack<GCL_String> s;
-//   s.Push("a"); s.Push("b");                // Top() is "b"; ItemAt(0) is "b", ItemAt(1) is "a"
-//   for (LX_TStackActiveIterator<GCL_String> i(s); !i.IsDone(); i.Next()) use(*i.CurrentItem());
+/// @file
+/// LX_TStack<T>: the interface of a last-in, first-out stack; the iterator over it; and
+/// LX_TUnboundedStack<T,M>, the stack made of a linked list.
+///
+///     LX_TUnboundedStack<GCL_String> s;
+///     s.Push("a"); s.Push("b");                // Top() is "b"; ItemAt(0) is "b", ItemAt(1) is "a"
+///     for (LX_TStackActiveIterator<GCL_String> i(s); !i.IsDone(); i.Next()) use(*i.CurrentItem());
 #ifndef MIROXGCL_LX_STACK_H
 #define MIROXGCL_LX_STACK_H
 
@@ -16,42 +17,54 @@
 #include "miroxgcl/lx_collection.h"
 #include "miroxgcl/lx_unbounded.h"
 
-// Index 0 is the top. Truth values are int, 1 and 0.
+/// The interface of a stack. Index 0 is the top. Truth values are int, 1 and 0.
+/// @ingroup collections
 template <class T>
 class MIROXGCL_API LX_TStack {
  public:
+  /// An empty stack.
   LX_TStack() = default;
   LX_TStack(LX_TStack const&) = default;
   virtual ~LX_TStack() = default;
 
-  // Gives this stack the items of `other`, whatever its class, in order. `other` is locked while it is
-  // read; it may belong to one of this stack's own items. When copying an item throws, this stack is
-  // left empty.
+  /// Gives this stack the items of `other`, whatever its class, in order. `other` is locked while
+  /// it is read; it may belong to one of this stack's own items. When copying an item throws, this
+  /// stack is left empty.
   virtual LX_TStack& operator=(LX_TStack const& other);
 
-  // 1 when both hold the same number of items, equal in order.
+  /// 1 when both hold the same number of items, equal in order.
+  /// @{
   virtual int operator==(LX_TStack const& other) const;
   int operator!=(LX_TStack const& other) const { return !(*this == other); }
+  /// @}
 
-  virtual void Clear() = 0;  // removes every item; so does Purge()
-  virtual void Push(T const& item) = 0;
-  virtual void Pop() = 0;                  // REQUIRES: not empty
-  virtual unsigned int Depth() const = 0;  // the number of items; so does Cardinality()
-  virtual int IsEmpty() const = 0;
-  virtual T const& Top() const = 0;  // REQUIRES: not empty
+  virtual void Clear() = 0;                ///< Removes every item, as Purge() does.
+  virtual void Push(T const& item) = 0;    ///< Puts `item` on top.
+  virtual void Pop() = 0;                  ///< Removes the top. REQUIRES: not empty.
+  virtual unsigned int Depth() const = 0;  ///< The number of items, as Cardinality().
+  virtual int IsEmpty() const = 0;         ///< 1 when there is no item.
+
+  /// The item on top. REQUIRES: not empty.
+  /// @{
+  virtual T const& Top() const = 0;
   virtual T& Top() = 0;
-  virtual void Purge() = 0;
-  virtual void Add(T const& item) = 0;  // puts `item` at the bottom
-  virtual unsigned int Cardinality() const = 0;
-  virtual T const& ItemAt(unsigned int i) const = 0;  // REQUIRES: i < Depth()
+  /// @}
 
-  // Hooks that assignment from this stack and comparison with it call; here they do nothing.
+  virtual void Purge() = 0;                           ///< Removes every item.
+  virtual void Add(T const& item) = 0;                ///< Puts `item` at the bottom.
+  virtual unsigned int Cardinality() const = 0;       ///< The number of items.
+  virtual T const& ItemAt(unsigned int i) const = 0;  ///< The item at `i`. REQUIRES: i < Depth().
+
+  /// Hooks that assignment from this stack and comparison with it call; here they do nothing.
+  /// @{
   virtual void Lock();
   virtual void Unlock();
+  /// @}
 
-  // For range-for and the standard algorithms: from the top, not for writing. What is looked up next to
-  // the last look-up takes constant time, what is farther a walk: the iterators step in constant time,
-  // but jump in linear time.
+  /// For range-for and the standard algorithms: from the top, not for writing. What is looked up
+  /// next to the last look-up takes constant time, what is farther a walk: the iterators step in
+  /// constant time, but jump in linear time.
+  /// @{
   T const& operator[](unsigned int i) const { return ItemAt(i); }
   using value_type = T;
   using const_iterator = LX_TIndexIterator<LX_TStack const, T const>;
@@ -66,8 +79,10 @@ class MIROXGCL_API LX_TStack {
   std::reverse_iterator<const_iterator> rend() const {
     return std::reverse_iterator<const_iterator>(begin());
   }
+  /// @}
 
-  // The standard library's names for Depth, IsEmpty, Push, Pop and Top.
+  /// The standard library's names for Depth, IsEmpty, Push, Pop and Top.
+  /// @{
   using size_type = unsigned int;
   using difference_type = std::ptrdiff_t;
   using reference = T&;
@@ -78,49 +93,60 @@ class MIROXGCL_API LX_TStack {
   void pop() { Pop(); }
   T& top() { return Top(); }
   T const& top() const { return Top(); }
+  /// @}
 };
 
-// Walks a stack from its top, asking it anew at every call. A plain value; the stack must outlive
-// it.
+/// Walks a stack from its top, asking it anew at every call. A plain value; the stack must outlive
+/// it.
+/// @ingroup collections
 template <class T>
 class MIROXGCL_API LX_TStackActiveIterator {
  public:
+  /// At the first item; done when there is none.
   explicit LX_TStackActiveIterator(LX_TStack<T> const& stack) : m_stack(stack) { Reset(); }
 
+  /// Starts again from the first item.
   void Reset() { m_index = LX_FirstIndex(m_stack.Cardinality()); }
 
+  /// 1 when there is no current item.
   int IsDone() const { return m_index < 0 || LX_IsBeyond(m_index, m_stack.Cardinality()); }
 
-  // Moves on; 1 when there is a current item then.
+  /// Moves on; 1 when there is a current item then.
   int Next() {
     ++m_index;
     return !IsDone();
   }
 
-  // The current item, null when done.
+  /// The current item, null when done.
+  /// @{
   T const* CurrentItem() const {
     return IsDone() ? nullptr : &m_stack.ItemAt(static_cast<unsigned int>(m_index));
   }
   T* CurrentItem() {
     return const_cast<T*>(static_cast<LX_TStackActiveIterator const&>(*this).CurrentItem());
   }
+  /// @}
 
  private:
   LX_TStack<T> const& m_stack;
   int m_index;  // -1: the stack was empty at the start
 };
 
-// The stack forwards to its list, whose first item is the top.
+/// The stack forwards to its list, whose first item is the top.
+/// @ingroup collections
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
  public:
+  /// An empty stack. Allocates nothing.
   LX_TUnboundedStack() = default;
-  // The items from the top to the bottom.
+  /// The items from the top to the bottom.
+  /// @{
   LX_TUnboundedStack(std::initializer_list<T> items) : m_unbounded(items) {}
   LX_TUnboundedStack(LX_TUnboundedStack const& other) = default;
   LX_TUnboundedStack(LX_TUnboundedStack&& other) noexcept
       : LX_TStack<T>(), m_unbounded(std::move(other.m_unbounded)) {}
   ~LX_TUnboundedStack() override = default;
+  /// @}
 
   LX_TUnboundedStack& operator=(LX_TStack<T> const& other) override {
     LX_TStack<T>::operator=(other);
@@ -143,7 +169,8 @@ class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
   unsigned int Cardinality() const override { return m_unbounded.Length(); }
   T const& ItemAt(unsigned int i) const override { return m_unbounded.ItemAt(i); }
 
-  // Copies the list, without locks.
+  /// Copies the list, without locks.
+  /// @{
   virtual LX_TUnboundedStack& operator=(LX_TUnboundedStack const& other) {
     m_unbounded = other.m_unbounded;
     return *this;
@@ -160,9 +187,11 @@ class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
     return m_unbounded == other.m_unbounded;
   }
   int operator!=(LX_TUnboundedStack const& other) const { return !(*this == other); }
+  /// @}
 #if __cplusplus > 201703L
-  // C++20 also tries comparisons with their sides exchanged; these leave it no choice. (A stack
-  // of one's own class that overrides operator== compares with this one as an LX_TStack<T>.)
+  /// C++20 also tries comparisons with their sides exchanged; these leave it no choice. (A stack
+  /// of one's own class that overrides operator== compares with this one as an LX_TStack<T>.)
+  /// @{
   template <class N>
   int operator==(LX_TUnboundedStack<T, N> const& other) const {
     return *this == static_cast<LX_TStack<T> const&>(other);
@@ -170,15 +199,20 @@ class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {
   friend int operator==(LX_TStack<T> const& a, LX_TUnboundedStack const& b) {
     return a.operator==(b);
   }
+  /// @}
 #endif
 
+  /// Allocate through M.
+  /// @{
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+  /// @}
 
  private:
   LX_TUnbounded<T, M> m_unbounded;
 };
 
+/// @cond IMPLEMENTATION
 // --- Implementation. The locks are those of the argument, constant as it is.
 
 // Where this stack has items, one of them may own the other, which is copied, and unlocked, before
@@ -222,5 +256,7 @@ void LX_TStack<T>::Lock() {}
 
 template <class T>
 void LX_TStack<T>::Unlock() {}
+
+/// @endcond
 
 #endif

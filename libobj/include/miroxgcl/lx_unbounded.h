@@ -1,16 +1,17 @@
-// LX_TUnbounded<T,M>: a doubly linked list that remembers the position looked up last, so that
-// walking it by index costs one step an item.
-//
-// Indices count from 0; truth values are int, 1 and 0. References to items stay valid until the item is
-// removed.
-//
-// As safe as the standard library's values: any number of threads may read one list. Of those that
-// look up by index at the same time, one has the remembered position, the others walk.
-//
-// Invariants:
-//   1. m_head and m_tail are null exactly when m_size is 0.
-//   2. From m_head, m_next leads over m_size nodes to m_tail, and m_previous back.
-//   3. m_cache, where not null, is the node at index m_cache_index; else m_cache_index is 0.
+/// @file
+/// LX_TUnbounded<T,M>: a doubly linked list that remembers the position looked up last, so that
+/// walking it by index costs one step an item.
+///
+/// Indices count from 0; truth values are int, 1 and 0. References to items stay valid until the
+/// item is removed.
+///
+/// As safe as the standard library's values: any number of threads may read one list. Of those that
+/// look up by index at the same time, one has the remembered position, the others walk.
+///
+/// Invariants:
+/// 1. m_head and m_tail are null exactly when m_size is 0.
+/// 2. From m_head, m_next leads over m_size nodes to m_tail, and m_previous back.
+/// 3. m_cache, where not null, is the node at index m_cache_index; else m_cache_index is 0.
 #ifndef MIROXGCL_LX_UNBOUNDED_H
 #define MIROXGCL_LX_UNBOUNDED_H
 
@@ -27,11 +28,13 @@
 #include "miroxgcl/lx_precondition.h"
 #include "miroxgcl/lx_unmanaged.h"
 
-// One node of a list. Building it links it in between its neighbours; destroying it does not touch
-// them.
+/// One node of a list. Building it links it in between its neighbours; destroying it does not touch
+/// them.
+/// @ingroup collections
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TNode {
  public:
+  /// A copy of `item`, linked in between two nodes, each of which may be null.
   LX_TNode(T const& item, LX_TNode* previous, LX_TNode* next)
       : m_item(item), m_previous(previous), m_next(next) {
     if (previous != nullptr) previous->m_next = this;
@@ -40,23 +43,29 @@ class MIROXGCL_API LX_TNode {
   LX_TNode(LX_TNode const&) = delete;
   LX_TNode& operator=(LX_TNode const&) = delete;
 
+  /// Allocate through M.
+  /// @{
   static void* operator new(std::size_t n) { return LX_AllocateFor<LX_TNode, M>(n); }
   static void operator delete(void* p, std::size_t n) { LX_ReleaseFor<LX_TNode, M>(p, n); }
   static void* operator new(std::size_t n, std::align_val_t) { return operator new(n); }
   static void operator delete(void* p, std::size_t n, std::align_val_t) { operator delete(p, n); }
+  /// @}
 
-  T m_item;
-  LX_TNode* m_previous;  // null in the first node
-  LX_TNode* m_next;      // null in the last
+  T m_item;              ///< the item
+  LX_TNode* m_previous;  ///< null in the first node
+  LX_TNode* m_next;      ///< null in the last
 };
 
-// When copying an item or M throws, the list keeps its value. Insert and Append without index,
-// First, Last and Length take constant time; the operations with an index take one look-up:
-// constant at the remembered position and next to it, else a walk from the head.
+/// When copying an item or M throws, the list keeps its value. Insert and Append without index,
+/// First, Last and Length take constant time; the operations with an index take one look-up:
+/// constant at the remembered position and next to it, else a walk from the head.
+/// @ingroup collections
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TUnbounded {
  public:
+  /// An empty list. Allocates nothing.
   LX_TUnbounded() noexcept = default;
+  /// The items of a braced list, in order.
   LX_TUnbounded(std::initializer_list<T> items) : LX_TUnbounded() {
     for (T const& item : items) Append(item);
   }
@@ -65,7 +74,8 @@ class MIROXGCL_API LX_TUnbounded {
   ~LX_TUnbounded() { Clear(); }
 
   LX_TUnbounded& operator=(LX_TUnbounded const& other);
-  // Takes the other's nodes and leaves it empty.
+  /// Takes the other's nodes and leaves it empty.
+  /// @{
   LX_TUnbounded& operator=(LX_TUnbounded&& other) noexcept {
     if (&other != this) {
       LX_TUnbounded taken(std::move(other));  // one of this list's items may own the other list
@@ -75,13 +85,19 @@ class MIROXGCL_API LX_TUnbounded {
     return *this;
   }
   LX_TUnbounded& operator=(std::initializer_list<T> items) { return *this = LX_TUnbounded(items); }
+  /// @}
 
+  /// 1 when both hold the same number of items, equal in order.
+  /// @{
   int operator==(LX_TUnbounded const& other) const;
   int operator!=(LX_TUnbounded const& other) const { return !(*this == other); }
+  /// @}
 
+  /// The number of items.
   unsigned int Length() const { return m_size; }
 
-  // REQUIRES: Length() > 0.
+  /// REQUIRES: Length() > 0.
+  /// @{
   T const& First() const {
     RequireItems("LX_TUnbounded<>::First()");
     return m_head->m_item;
@@ -98,8 +114,10 @@ class MIROXGCL_API LX_TUnbounded {
     RequireItems("LX_TUnbounded::Last");
     return m_tail->m_item;
   }
+  /// @}
 
-  // REQUIRES: i < Length().
+  /// REQUIRES: i < Length().
+  /// @{
   T const& ItemAt(unsigned int i) const {
     RequireIndex(i, "LX_TUnbounded::ItemAt");
     return LookUp(i)->m_item;
@@ -116,35 +134,43 @@ class MIROXGCL_API LX_TUnbounded {
     RequireIndex(i, "LX_TUnbounded<>::operator[]");
     return LookUp(i)->m_item;
   }
+  /// @}
 
-  // Destroys every item, from the first on.
+  /// Destroys every item, from the first on.
   void Clear() noexcept;
 
-  // Put `item` first or last. It may be one of this list's own, here and below.
+  /// Put `item` first or last. It may be one of this list's own, here and below.
+  /// @{
   void Insert(T const& item);
   void Append(T const& item);
+  /// @}
 
-  // Put `item` before or after the item at `i`; in an empty list, `i` does not matter, and
-  // Append(item, Length()) puts it last.
-  // REQUIRES: i < Length() for Insert, i <= Length() for Append, or an empty list.
+  /// Put `item` before or after the item at `i`; in an empty list, `i` does not matter, and
+  /// Append(item, Length()) puts it last.
+  /// REQUIRES: i < Length() for Insert, i <= Length() for Append, or an empty list.
+  /// @{
   void Insert(T const& item, unsigned int i);
   void Append(T const& item, unsigned int i);
+  /// @}
 
-  // REQUIRES: i < Length(). In a list of one item, `i` does not matter.
+  /// REQUIRES: i < Length(). In a list of one item, `i` does not matter.
   void Remove(unsigned int i);
 
-  // REQUIRES: i < Length().
+  /// REQUIRES: i < Length().
   void Replace(unsigned int i, T const& item);
 
-  // The first index at or after `start` whose item equals `item`, or -1; for a `start` of 0 the
-  // remembered position, when its item is equal. REQUIRES: start <= Length().
+  /// The first index at or after `start` whose item equals `item`, or -1; for a `start` of 0 the
+  /// remembered position, when its item is equal. REQUIRES: start <= Length().
   int Location(T const& item, unsigned int start) const;
 
-  // For range-for and the standard algorithms: from the first node to the last. An iterator stays valid
-  // until its item is removed, so that a loop steps on before it removes; it does not move the
-  // remembered position.
+  /// For range-for and the standard algorithms: from the first node to the last. An iterator stays
+  /// valid until its item is removed, so that a loop steps on before it removes; it does not move
+  /// the remembered position.
+  /// @{
   template <class Item>
   class NodeIterator;
+  /// For range-for and the standard algorithms.
+  /// @{
   using value_type = T;
   using iterator = NodeIterator<T>;
   using const_iterator = NodeIterator<T const>;
@@ -162,8 +188,11 @@ class MIROXGCL_API LX_TUnbounded {
   std::reverse_iterator<const_iterator> rend() const {
     return std::reverse_iterator<const_iterator>(begin());
   }
+  /// @}
+  /// @}
 
-  // The standard library's names for Length, Append, Insert, First, Last and Clear.
+  /// The standard library's names for Length, Append, Insert, First, Last and Clear.
+  /// @{
   using size_type = unsigned int;
   using difference_type = std::ptrdiff_t;
   using reference = T&;
@@ -177,9 +206,13 @@ class MIROXGCL_API LX_TUnbounded {
   T& back() { return Last(); }
   T const& back() const { return Last(); }
   void clear() noexcept { Clear(); }
+  /// @}
 
+  /// Allocate through M.
+  /// @{
   static void* operator new(std::size_t n) { return M::AllocateBlock(n); }
   static void operator delete(void* p, std::size_t n) { M::ReleaseBlock(p, n); }
+  /// @}
 
  private:
   using Node = LX_TNode<T, M>;
@@ -193,8 +226,8 @@ class MIROXGCL_API LX_TUnbounded {
   Node* LookUp(unsigned int i) const;
   Node* LookUpBeside(Node* cache, unsigned int i) const;
   Node* Walk(unsigned int i) const;
-  // While there are threads, the remembered position is whose who takes it, until Remember() gives it
-  // back; others find it taken.
+  // While there are threads, the remembered position belongs to whoever takes it, until Remember() gives
+  // it back; others find it taken.
   static Node* Taken() { return reinterpret_cast<Node*>(1); }
   Node* TakeCache() const {
     if (gcl_threads::is_single()) return m_cache;
@@ -215,6 +248,7 @@ class MIROXGCL_API LX_TUnbounded {
   mutable unsigned int m_cache_index = 0;  // its index
 };
 
+/// @cond IMPLEMENTATION
 // --- Implementation.
 
 template <class T, class M>
@@ -421,5 +455,7 @@ int LX_TUnbounded<T, M>::Location(T const& item, unsigned int start) const {
   }
   return -1;
 }
+
+/// @endcond
 
 #endif

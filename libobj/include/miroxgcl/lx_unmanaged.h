@@ -1,9 +1,10 @@
-// LX_CUnmanaged: the containers' storage policy on the global allocation operators.
-//
-// A policy M is a class with these static operations; a container asks for exactly the bytes of its
-// slots or of one node, and gives each block back with the size it asked for. The operations with an
-// alignment are called only for items that are aligned more strictly than the language's own types; a
-// policy for others need not have them.
+/// @file
+/// LX_CUnmanaged: the containers' storage policy on the global allocation operators.
+///
+/// A policy M is a class with these static operations; a container asks for exactly the bytes of
+/// its slots or of one node, and gives each block back with the size it asked for. The operations
+/// with an alignment are called only for items that are aligned more strictly than the language's
+/// own types; a policy for others need not have them.
 #ifndef MIROXGCL_LX_UNMANAGED_H
 #define MIROXGCL_LX_UNMANAGED_H
 
@@ -13,23 +14,30 @@
 
 #include "miroxgcl/gcl_config.h"
 
+/// The storage policy of the library's own containers.
+/// @ingroup collections
 class MIROXGCL_API LX_CUnmanaged {
  public:
-  // A block of `n` bytes, aligned for any type of the language's own. Throws std::bad_alloc.
+  /// A block of `n` bytes, aligned for any type of the language's own. Throws std::bad_alloc.
   static void* AllocateBlock(std::size_t n) { return ::operator new(n); }
 
-  // Gives back the block `p` of `n` bytes; null is allowed.
+  /// Gives back the block `p` of `n` bytes; null is allowed.
   static void ReleaseBlock(void* p, std::size_t) noexcept { ::operator delete(p); }
 
-  // The same for a block of a stricter alignment, a power of two.
+  /// The same for a block of a stricter alignment, a power of two.
+  /// @{
   static void* AllocateBlock(std::size_t n, std::align_val_t alignment) {
     return ::operator new(n, alignment);
   }
   static void ReleaseBlock(void* p, std::size_t, std::align_val_t alignment) noexcept {
     ::operator delete(p, alignment);
   }
+  /// @}
 };
 
+/// @cond IMPLEMENTATION
+
+// Whether a policy has the operations with an alignment.
 template <class M, class = void>
 struct LX_TAligns : std::false_type {};
 template <class M>
@@ -56,5 +64,7 @@ void LX_ReleaseFor(void* p, std::size_t n) noexcept {
     M::ReleaseBlock(p, n, std::align_val_t{alignof(T)});
   }
 }
+
+/// @endcond
 
 #endif

@@ -1,17 +1,17 @@
-// How the system-identity service's answers become statuses.
-#ifndef MIROXGCL_LOOK_UP_H
-#define MIROXGCL_LOOK_UP_H
+// The status of a look-up: how the system-identity service's answers become statuses.
+#ifndef MIROXGCL_LOOK_UP_STATUS_H
+#define MIROXGCL_LOOK_UP_STATUS_H
 
 #include "miroxgcl/gcl_status.h"
+#include "miroxplat/sysutl.h"
 
 // Sets the status from the code of a look-up by name.
 inline void set_from_look_up(GCL_Status& status, int code) {
-  constexpr int service_knows_no_such_name = 2;
-  if (code == 0) {
+  if (code == SYSUTL_FOUND) {
     status.set_ok();
   } else {
-    status.set(code == service_knows_no_such_name ? GCL_Status::no_such_name
-                                                  : GCL_Status::general_failure);
+    status.set(code == SYSUTL_NO_SUCH_NAME ? GCL_Status::no_such_name
+                                           : GCL_Status::general_failure);
   }
 }
 
