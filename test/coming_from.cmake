@@ -101,7 +101,7 @@ foreach(line IN LISTS lines)
       endif()
       if(NOT qt STREQUAL "")
         get_run(run "${qt_type}" "${qt}" ${number})
-        string(APPEND rows "#ifdef COMING_FROM_QT\nexpect_same(${number},\n${run},\n${our_run});\n#endif\n")
+        string(APPEND rows "#ifdef WITH_QT\nexpect_same(${number},\n${run},\n${our_run});\n#endif\n")
       endif()
     endif()
   endif()
@@ -111,6 +111,7 @@ file(CONFIGURE OUTPUT coming_from_refused.cc CONTENT "
 #include <sstream>
 #include <vector>
 
+#include \"miroxgcl/gcl_status.h\"
 #include \"miroxgcl/gcl_string.h\"
 
 @refusals@" @ONLY)

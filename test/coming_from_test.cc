@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "miroxgcl/gcl.h"
-#ifdef COMING_FROM_QT
+#ifdef WITH_QT
 #include <QByteArray>
 #include <QFile>
 #include <QHash>
@@ -28,6 +28,13 @@
 #endif
 
 namespace {
+
+#if __cplusplus > 201703L
+static_assert(std::random_access_iterator<LX_TDynamic<int>::iterator>);
+static_assert(std::random_access_iterator<LX_TCollection<int>::const_iterator>);
+static_assert(std::random_access_iterator<GCL_StringList::iterator>);
+static_assert(std::bidirectional_iterator<LX_TUnbounded<int>::iterator>);
+#endif
 
 template <class List>
 auto list_text(List const& items, int)

@@ -191,11 +191,4 @@ TEST(Standard, ListsAreArraysForTheAlgorithms) {
   EXPECT_EQ(std::vector<int>(stack.begin(), stack.end()), (std::vector<int>{6, 4, 2}));
 }
 
-TEST(Standard, StatusIsTrueWhenSomethingWentWrong) {
-  GCL_Status status;
-  EXPECT_FALSE(status);
-  status.set(GCL_Status::general_failure);
-  EXPECT_TRUE(status);
-}
-
 }  // namespace

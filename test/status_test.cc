@@ -32,7 +32,7 @@ TEST(Status, ZeroDiscardsMessagesCopiesAreDeepMovesTakeThem) {
   b.add_message("b");
   a = *&a;
   EXPECT_EQ(texts_of(a) + texts_of(b) + texts_of(c), "one\ntwoone\ntwobone\ntwo");
-  EXPECT_TRUE(a == -5 && -5 == b && a && !a.is_ok() && b.peek() == -5 && a == c);
+  EXPECT_TRUE(a == -5 && -5 == b && a.failed() && !a.is_ok() && b.peek() == -5 && a == c);
   b.set(0);
   c = b;
   GCL_Status d(std::move(a)), e;

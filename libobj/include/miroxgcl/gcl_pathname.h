@@ -85,4 +85,10 @@ class MIROXGCL_API GCL_Pathname : public GCL_String {
 template <>
 struct std::hash<GCL_Pathname> : std::hash<GCL_String> {};
 
+/// Shows GoogleTest the text in quotes, not its bytes as those of any container.
+/// @ingroup files
+inline void PrintTo(GCL_Pathname const& path, std::ostream* os) {
+  PrintTo(static_cast<GCL_String const&>(path), os);
+}
+
 #endif

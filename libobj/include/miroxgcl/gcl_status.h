@@ -60,9 +60,11 @@ class MIROXGCL_API GCL_Status {
 
   /// Whether the code is 0.
   [[nodiscard]] bool is_ok() const noexcept { return m_value == 0; }
-  /// As std::error_code: true when something went wrong.
+  /// Whether the code is not 0.
+  [[nodiscard]] bool failed() const noexcept { return m_value != 0; }
+  explicit operator bool() const = delete;  // which of the two is meant: is_ok() or failed()?
+  /// The code.
   /// @{
-  explicit operator bool() const noexcept { return m_value != 0; }
   [[nodiscard]] int value() const noexcept { return m_value; }
   int peek() const noexcept { return m_value; }  ///< the same as value()
   /// @}

@@ -610,6 +610,24 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   friend gcl_text::IfNumberThen<N, bool> operator!=(  ///< a number is no text
       N, GCL_String const&) = delete;
 
+  /// With a document of nlohmann's json, which converts from a string and to one: as documents.
+  template <class Json, class = typename Json::string_t>
+  friend bool operator==(Json const& a, GCL_String const& b) {
+    return a == Json(b);
+  }
+  template <class Json, class = typename Json::string_t>
+  friend bool operator==(GCL_String const& a, Json const& b) {
+    return Json(a) == b;
+  }
+  template <class Json, class = typename Json::string_t>
+  friend bool operator!=(Json const& a, GCL_String const& b) {
+    return !(a == b);
+  }
+  template <class Json, class = typename Json::string_t>
+  friend bool operator!=(GCL_String const& a, Json const& b) {
+    return !(a == b);
+  }
+
 #if defined(__cpp_lib_three_way_comparison)
   friend std::strong_ordering operator<=>(GCL_String const& a, GCL_String const& b) noexcept {
     return a.compare(b) <=> 0;
@@ -796,6 +814,12 @@ inline std::size_t qHash(GCL_String const& s, std::size_t seed = 0) noexcept {
 }
 /// The same for Boost's containers.
 inline std::size_t hash_value(GCL_String const& s) noexcept { return std::hash<GCL_String>()(s); }
+
+/// Writes a string to Qt's QDebug as a `char const*` is written: up to its first NUL, without quotes.
+template <class Debug>
+auto operator<<(Debug out, GCL_String const& s) -> decltype(Debug(out.maybeSpace())) {
+  return out << s.c_str();
+}
 
 /// Shows GoogleTest the text in quotes.
 MIROXGCL_API void PrintTo(GCL_String const& s, std::ostream* os);
