@@ -144,6 +144,8 @@ class MIROXGCL_API DRL_ListBase {
   using value_type = T;
   using iterator = LX_TIndexIterator<DRL_ListBase, T>;
   using const_iterator = LX_TIndexIterator<DRL_ListBase const, T const>;
+  T& AtIndex(std::ptrdiff_t i) { return AsT(Items().AtIndex(i)); }
+  T const& AtIndex(std::ptrdiff_t i) const { return AsT(Items().AtIndex(i)); }
   iterator begin() { return {*this, 0}; }
   iterator end() { return {*this, Length()}; }
   const_iterator begin() const { return {*this, 0}; }

@@ -198,6 +198,17 @@ class MIROXGCL_API LX_TDynamic {
   void ShrinkLeft(unsigned int p);
   /// @}
 
+  /// operator[] for the iterators, whose index is as wide as a pointer: one comparison, and no virtual
+  /// call. REQUIRES: i is an index.
+  /// @{
+  T& AtIndex(std::ptrdiff_t i) { return const_cast<T&>(std::as_const(*this).AtIndex(i)); }
+  T const& AtIndex(std::ptrdiff_t i) const {
+    RequireIndex(static_cast<unsigned int>(i), "LX_TDynamic<>::operator[]");
+    std::size_t const slot = std::size_t{m_start} - 1 + static_cast<std::size_t>(i);
+    return m_items[__builtin_expect(slot >= m_size, 0) ? slot - m_size : slot];
+  }
+  /// @}
+
   /// For range-for and the standard algorithms.
   /// @{
   using value_type = T;
@@ -405,6 +416,28 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
   virtual void SetChunkSize(unsigned int c) { m_dynamic.SetChunkSize(c); }
   virtual void Preallocate(unsigned int n) { m_dynamic.Preallocate(n); }
   virtual unsigned int ChunkSize() const { return m_dynamic.ChunkSize(); }
+  /// @}
+
+  /// For range-for and the standard algorithms, without virtual calls.
+  /// @{
+  using iterator = LX_TIndexIterator<LX_TDynamicCollection, T>;
+  using const_iterator = LX_TIndexIterator<LX_TDynamicCollection const, T const>;
+  T& AtIndex(std::ptrdiff_t i) { return m_dynamic.AtIndex(i); }
+  T const& AtIndex(std::ptrdiff_t i) const { return m_dynamic.AtIndex(i); }
+  iterator begin() { return {*this, 0}; }
+  iterator end() { return {*this, m_dynamic.Length()}; }
+  const_iterator begin() const { return {*this, 0}; }
+  const_iterator end() const { return {*this, m_dynamic.Length()}; }
+  const_iterator cbegin() const { return begin(); }
+  const_iterator cend() const { return end(); }
+  std::reverse_iterator<iterator> rbegin() { return std::reverse_iterator<iterator>(end()); }
+  std::reverse_iterator<iterator> rend() { return std::reverse_iterator<iterator>(begin()); }
+  std::reverse_iterator<const_iterator> rbegin() const {
+    return std::reverse_iterator<const_iterator>(end());
+  }
+  std::reverse_iterator<const_iterator> rend() const {
+    return std::reverse_iterator<const_iterator>(begin());
+  }
   /// @}
 
   /// Allocate through M.

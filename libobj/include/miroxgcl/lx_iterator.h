@@ -35,7 +35,7 @@ class LX_TIndexIterator {
   LX_TIndexIterator(LX_TIndexIterator<Other, value_type> const& other)  // NOLINT(google-explicit-*)
       : m_container(other.m_container), m_index(other.m_index) {}
 
-  reference operator*() const { return (*m_container)[static_cast<unsigned int>(m_index)]; }
+  reference operator*() const { return LookUp(*m_container, m_index, 0); }
   pointer operator->() const { return &**this; }
   reference operator[](difference_type n) const { return *(*this + n); }
 
@@ -85,6 +85,16 @@ class LX_TIndexIterator {
  private:
   template <class, class>
   friend class LX_TIndexIterator;
+
+  // Through the container's AtIndex(), where it has one that is faster than operator[].
+  template <class C>
+  static auto LookUp(C& container, difference_type i, int) -> decltype(container.AtIndex(i)) {
+    return container.AtIndex(i);
+  }
+  template <class C>
+  static reference LookUp(C& container, difference_type i, long) {
+    return container[static_cast<unsigned int>(i)];
+  }
 
   Container* m_container = nullptr;
   difference_type m_index = 0;
