@@ -3,20 +3,22 @@
 #include <cstddef>
 #include <utility>
 
+#include "miroxgcl/gcl_threads.h"
+
 namespace {
 
 constexpr int chunk_size = 8;
 
 template <class Part>
 std::unique_ptr<Part> copy_of(std::unique_ptr<Part> const& part) {
-  return part != nullptr ? std::make_unique<Part>(*part) : nullptr;
+  Part const* const present = gcl_threads::read_made(part);
+  return present != nullptr ? std::make_unique<Part>(*present) : nullptr;
 }
 
-// The part, made with `arguments` when it is absent.
+// The part, made with `arguments` when it is absent: several threads may ask at once.
 template <class Part, class... Arguments>
 Part& present(std::unique_ptr<Part>& part, Arguments... arguments) {
-  if (part == nullptr) part = std::make_unique<Part>(arguments...);
-  return *part;
+  return gcl_threads::made_once(part, [=] { return std::make_unique<Part>(arguments...); });
 }
 
 // The secondary identifiers stand where the record's declared array begins, as many as it counts.

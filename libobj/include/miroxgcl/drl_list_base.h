@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "miroxgcl/gcl_handle_base.h"
+#include "miroxgcl/gcl_threads.h"
 #include "miroxgcl/lx_dynamic.h"
 
 extern template class LX_TCollection<GCL_HandleBase>;
@@ -132,8 +133,7 @@ class MIROXGCL_API DRL_ListBase {
   static_assert(sizeof(T) == sizeof(GCL_HandleBase), "a handle with no field of its own");
 
   Collection& Items() const {
-    if (m_collection == nullptr) m_collection.reset(new Collection);
-    return *m_collection;
+    return gcl_threads::made_once(m_collection, [] { return std::make_unique<Collection>(); });
   }
   static T& AsT(GCL_HandleBase& item) { return static_cast<T&>(item); }
 
