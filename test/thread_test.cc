@@ -92,6 +92,8 @@ TEST(Threads, StringsThatShareBodiesAreEditedApart) {
       one.edit(random.below(9), random.below(1000));
       ASSERT_EQ(one.real, one.model);
       ASSERT_EQ(one.real.hash(), GCL_String(one.model).hash());
+      ASSERT_EQ(shared.real.hash_fold_case(), GCL_String(shared.model).hash_fold_case());
+      ASSERT_STREQ(shared.real.c_str(), "a text for all");
     }
   });
   EXPECT_EQ(shared.real, shared.model);
