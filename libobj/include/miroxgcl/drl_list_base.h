@@ -132,9 +132,7 @@ class MIROXGCL_API DRL_ListBase {
  private:
   static_assert(sizeof(T) == sizeof(GCL_HandleBase), "a handle with no field of its own");
 
-  Collection& Items() const {
-    return gcl_threads::made_once(m_collection, [] { return std::make_unique<Collection>(); });
-  }
+  Collection& Items() const { return gcl_threads::made_once(m_collection); }
   static T& AsT(GCL_HandleBase& item) { return static_cast<T&>(item); }
 
   mutable std::unique_ptr<Collection> m_collection;  // null only after a move

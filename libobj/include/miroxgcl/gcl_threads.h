@@ -68,13 +68,13 @@ typename Owner::pointer read_made(Owner const& owner) noexcept {
                          __ATOMIC_ACQUIRE);
 }
 
-/// What an owning pointer holds; where that is null, what `make` returns, another owning pointer, and
-/// it is kept. Of several threads that come at once, one keeps its own and the others take that.
-template <class Owner, class Make>
-typename Owner::element_type& made_once(Owner& owner, Make make) {
+/// What an owning pointer holds; where that is null, an object made of `arguments`, which it keeps then.
+/// Of several threads that come at once, one stores its own and the others take that.
+template <class Owner, class... Arguments>
+typename Owner::element_type& made_once(Owner& owner, Arguments... arguments) {
   typename Owner::pointer present = read_made(owner);
   if (present != nullptr) return *present;
-  Owner made = make();
+  Owner made(new typename Owner::element_type(arguments...));
   if (__atomic_compare_exchange_n(reinterpret_cast<typename Owner::pointer*>(&owner), &present,
                                   made.get(), false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE)) {
     present = made.release();
