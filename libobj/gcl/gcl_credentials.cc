@@ -3,20 +3,16 @@
 #include <cstddef>
 #include <utility>
 
+#include "miroxgcl/gcl_threads.h"
+
 namespace {
 
 constexpr int chunk_size = 8;
 
 template <class Part>
 std::unique_ptr<Part> copy_of(std::unique_ptr<Part> const& part) {
-  return part != nullptr ? std::make_unique<Part>(*part) : nullptr;
-}
-
-// The part, made with `arguments` when it is absent.
-template <class Part, class... Arguments>
-Part& present(std::unique_ptr<Part>& part, Arguments... arguments) {
-  if (part == nullptr) part = std::make_unique<Part>(arguments...);
-  return *part;
+  Part const* const present = gcl_threads::read_made(part);
+  return present != nullptr ? std::make_unique<Part>(*present) : nullptr;
 }
 
 // The secondary identifiers are where the record's declared array begins, as many as it counts.
@@ -36,7 +32,7 @@ GCL_Credentials GCL_Credentials::translate(GCL_Status& status,
   if (!status.is_ok()) return {};
   result.m_primary_group = std::make_unique<GCL_OSGroup>(status, record.primary_group);
   if (!status.is_ok()) return {};
-  GCL_OSGroupList& groups = present(result.m_secondary_groups, chunk_size);
+  GCL_OSGroupList& groups = gcl_threads::made_once(result.m_secondary_groups, chunk_size);
   unsigned int room = chunk_size;
   credutl_sid_s const* const sids = secondary_sids(record);
   for (int i = 0; i < record.group_count; ++i) {
@@ -65,20 +61,22 @@ GCL_Credentials& GCL_Credentials::operator=(GCL_Credentials const& other) {
 
 void GCL_Credentials::clear() noexcept { *this = GCL_Credentials(); }
 
-GCL_OSUser const& GCL_Credentials::user() const { return present(m_user); }
+GCL_OSUser const& GCL_Credentials::user() const { return gcl_threads::made_once(m_user); }
 
-GCL_OSGroup const& GCL_Credentials::primary_group() const { return present(m_primary_group); }
-
-GCL_OSGroupList const& GCL_Credentials::secondary_groups() const {
-  return present(m_secondary_groups, chunk_size);
+GCL_OSGroup const& GCL_Credentials::primary_group() const {
+  return gcl_threads::made_once(m_primary_group);
 }
 
-void GCL_Credentials::set_user(GCL_OSUser const& user) { present(m_user) = user; }
+GCL_OSGroupList const& GCL_Credentials::secondary_groups() const {
+  return gcl_threads::made_once(m_secondary_groups, chunk_size);
+}
+
+void GCL_Credentials::set_user(GCL_OSUser const& user) { gcl_threads::made_once(m_user) = user; }
 
 void GCL_Credentials::set_primary_group(GCL_OSGroup const& group) {
-  present(m_primary_group) = group;
+  gcl_threads::made_once(m_primary_group) = group;
 }
 
 void GCL_Credentials::set_secondary_groups(GCL_OSGroupList const& groups) {
-  present(m_secondary_groups, chunk_size) = groups;
+  gcl_threads::made_once(m_secondary_groups, chunk_size) = groups;
 }

@@ -21,6 +21,7 @@ area_table* s_areas = nullptr;
 
 // Frees what nobody deleted.
 [[gnu::destructor]] void free_all_areas() {
+  std::lock_guard const lock(s_mutex);  // other threads may still run while the process ends
   delete s_areas;
   s_areas = nullptr;
 }

@@ -5,6 +5,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string>
 
 #include "miroxplat/imsg.h"
@@ -24,11 +25,19 @@ int language_source() {
   return has_locale || is_set("LC_ALL") || is_set("LC_MESSAGES") ? NL_CAT_LOCALE : 0;
 }
 
+// The first look at a catalog. One thread at a time: setlocale need not be safe beside itself, even
+// where it only asks.
+nl_catd open_catalog(char const* name) {
+  static std::mutex mutex;
+  std::lock_guard const lock(mutex);
+  return catopen(name, language_source());
+}
+
 // An open message catalog, or none. The texts that it hands out die with it.
 class catalog {
  public:
   explicit catalog(char const* name)
-      : m_catalog(name != nullptr ? catopen(name, language_source()) : none()) {}
+      : m_catalog(name != nullptr ? open_catalog(name) : none()) {}
   ~catalog() {
     if (m_catalog != none()) catclose(m_catalog);
   }

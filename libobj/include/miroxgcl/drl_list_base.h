@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "miroxgcl/gcl_handle_base.h"
+#include "miroxgcl/gcl_threads.h"
 #include "miroxgcl/lx_dynamic.h"
 
 extern template class LX_TCollection<GCL_HandleBase>;
@@ -181,10 +182,7 @@ class MIROXGCL_API DRL_ListBase {
  private:
   static_assert(sizeof(T) == sizeof(GCL_HandleBase), "a handle with no field of its own");
 
-  Collection& Items() const {
-    if (m_collection == nullptr) m_collection.reset(new Collection);
-    return *m_collection;
-  }
+  Collection& Items() const { return gcl_threads::made_once(m_collection); }
   static T& AsT(GCL_HandleBase& item) { return static_cast<T&>(item); }
 
   mutable std::unique_ptr<Collection> m_collection;  // null only after a move

@@ -59,6 +59,29 @@ inline void make_immortal(std::uint32_t& count) noexcept {
   }
 }
 
+/// What an owning pointer holds, while other threads may make it with made_once(): null, or an object
+/// that is whole.
+template <class Owner>
+typename Owner::pointer read_made(Owner const& owner) noexcept {
+  static_assert(sizeof(Owner) == sizeof(typename Owner::pointer), "a pointer and nothing else");
+  return __atomic_load_n(reinterpret_cast<typename Owner::pointer const*>(&owner),
+                         __ATOMIC_ACQUIRE);
+}
+
+/// What an owning pointer holds; where that is null, an object made of `arguments`, which it keeps then.
+/// Of several threads that come at once, one stores its own and the others take that.
+template <class Owner, class... Arguments>
+typename Owner::element_type& made_once(Owner& owner, Arguments... arguments) {
+  typename Owner::pointer present = read_made(owner);
+  if (present != nullptr) return *present;
+  Owner made(new typename Owner::element_type(arguments...));
+  if (__atomic_compare_exchange_n(reinterpret_cast<typename Owner::pointer*>(&owner), &present,
+                                  made.get(), false, __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE)) {
+    present = made.release();
+  }
+  return *present;
+}
+
 }  // namespace gcl_threads
 
 #endif
