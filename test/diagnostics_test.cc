@@ -100,6 +100,31 @@ TEST(Levels, OfTheEnvironmentThenOfTheArgument) {
   EXPECT_FALSE(debug.is_enabled(GCL_Debug::Discriminator{-1}, GCL_Debug::Level{INT_MIN}));
 }
 
+TEST(Levels, SpecificationsNameAreasRangesAndLevels) {
+  struct {
+    char const* levels;
+    int of_5, of_7, of_711;
+  } const rows[] = {
+      {"5", 1, 0, 0},
+      {"5.3,7.", 3, 0, 0},
+      {"5-7.2", 2, 2, 0},
+      {"7-5.2", 0, 0, 0},
+      {"5-7.2+5.4 7", 4, 1, 0},
+      {"0-711.3-5", 1, 3, 3},
+      {"6-99999999999.99999999999", 0, INT_MAX, INT_MAX},
+  };
+  for (auto const& row : rows) {
+    GCL_Debug const debug(row.levels);
+    for (auto const& [area, level] :
+         {std::pair(5, row.of_5), std::pair(7, row.of_7), std::pair(711, row.of_711)}) {
+      GCL_Debug::Discriminator const id{area};
+      EXPECT_TRUE(debug.is_enabled(id, GCL_Debug::Level{level})) << row.levels;
+      if (level == INT_MAX) continue;
+      EXPECT_FALSE(debug.is_enabled(id, GCL_Debug::Level{level + 1})) << row.levels;
+    }
+  }
+}
+
 // ---- Debug lines and traces
 
 // Writes numbers in groups of one digit.
@@ -204,6 +229,26 @@ TEST(Indent, BlocksNestAndTextsAreCutAtAWholeCharacter) {
   GCL_Indent const block(("x" + clefs).c_str());
   EXPECT_EQ(block.header(), "BEGIN x" + clefs.substr(0, 1016));
   EXPECT_EQ(block.indent(), clefs.substr(0, 1020));
+}
+
+TEST(Indent, FormatTakesTheTitleOnceAndHalvesPercentSigns) {
+  struct {
+    char const *format, *title, *header;
+  } const rows[] = {
+      {"[%s]", "title", "[title]"},
+      {"%s, %s", "title", "title, %s"},
+      {"100%% %s", "title", "100% title"},
+      {"%%s", "title", "%s"},
+      {"%n%", "title", "%n%"},
+      {"%s", "%s%n", "%s%n"},
+      {"no title: %s", "", ""},
+  };
+  std::cout.setstate(std::ios::failbit);
+  for (auto const& row : rows) {
+    setenv("GCL_INDENT_HEADER_FORMAT", row.format, 1);
+    GCL_Indent::initialize_indent();
+    EXPECT_STREQ(GCL_Indent(row.title).header(), row.header) << row.format;
+  }
 }
 
 }  // namespace

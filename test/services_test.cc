@@ -110,7 +110,7 @@ TEST(Dates, NearOnesAreShownAndReadByTheClock) {
   EXPECT_GE(read("Feb 29 12:00", 1), now);
 }
 
-// fuzz/syntax_fuzz.cc tries the changes of every zone.
+// fuzz/date_fuzz.cc tries the changes of every zone.
 TEST(Dates, ThatTheClockShowsTwiceOrNeverAlwaysMeanTheSame) {
   if (!std::filesystem::exists("/usr/share/zoneinfo/right")) GTEST_SKIP() << "no zones";
   struct {
