@@ -49,6 +49,16 @@ TEST(Messages, LoggedTextIsTheUsersOrTheTables) {
 #endif
 }
 
+TEST(Messages, IdentificationLineHasItsColumns) {
+  char line[200] = "", end = '\0';
+  int year = 0;
+  libmiroxgcl_sprintf_verid(line);
+  char const columns[] = "libmiroxgcl%*23[ ]%*[0-9.] (%*3c %*3c %*d %*d:%*d:%*d %d)%c";
+  EXPECT_EQ(std::sscanf(line, columns, &year, &end), 2) << line;
+  EXPECT_EQ(end, '\n');
+  EXPECT_EQ(run_in_child([] { libmiroxgcl_print_verid(); }).out, line);
+}
+
 // ---- Checks
 
 TEST(Assertion, LogsAndAbortsUnlessTheEnvironmentSaysOtherwise) {
