@@ -92,22 +92,18 @@ TEST(Containers, OnlyTheShorterSideMoves) {
   }
 }
 
-// Values that own others of their kind. The second cannot be moved: an array copies it to grow.
+// Values that own others of their kind. They cannot be moved: an array copies them to grow.
 template <template <class> class Container>
 struct node {
   node(int v = 0) : value(v) {}  // NOLINT(google-explicit-constructor)
+  node(node const&) = default;
+  node& operator=(node const&) = default;
   int value;
   Container<node> kids;
   friend bool operator==(node const& a, node const& b) { return a.value == b.value; }
 };
-struct fixed_node {
-  fixed_node(int v = 0) : value(v) {}  // NOLINT(google-explicit-constructor)
-  fixed_node(fixed_node const&) = default;
-  fixed_node& operator=(fixed_node const&) = default;
-  int value;
-  LX_TDynamic<fixed_node> kids;
-  friend bool operator==(fixed_node const& a, fixed_node const& b) { return a.value == b.value; }
-};
+template <class T>
+using array_of = LX_TDynamic<T>;
 template <class T>
 using collection_of = LX_TDynamicCollection<T>;
 template <class T>
@@ -115,39 +111,36 @@ using list_of = LX_TUnbounded<T>;
 template <class T>
 using stack_of = LX_TUnboundedStack<T>;
 
-template <class Node, class Assign>
-void check_assignment_from_within(Assign assign) {
-  Node child(1), root;
-  child.kids = {2, 3};
-  root.kids = {child, 4};
-  assign(root.kids, const_cast<Node&>(*root.kids.begin()).kids);
-  EXPECT_TRUE(root.kids == child.kids);
+// Assigns as containers of this type.
+template <class Assigned, template <class> class Container>
+void check_assignment_from_within() {
+  for (bool const moves : {false, true}) {
+    node<Container> child(1), root;
+    child.kids = {2, 3};
+    root.kids = {child, 4};
+    Assigned &to = root.kids, &from = const_cast<node<Container>&>(*root.kids.begin()).kids;
+    moves ? to = std::move(from) : to = from;
+    EXPECT_TRUE(root.kids == child.kids);
+  }
 }
 
 TEST(Containers, WhatAnItemOwnsCanBeAssignedToItsContainer) {
-  auto const copies = [](auto& to, auto& from) { to = from; };
-  auto const moves = [](auto& to, auto& from) { to = std::move(from); };
-  check_assignment_from_within<fixed_node>(copies);
-  check_assignment_from_within<fixed_node>(moves);
-  check_assignment_from_within<node<collection_of>>(copies);
-  check_assignment_from_within<node<list_of>>(copies);
-  check_assignment_from_within<node<list_of>>(moves);
-  using collection = LX_TCollection<node<collection_of>>;
-  check_assignment_from_within<node<collection_of>>(
-      [](collection& to, collection& from) { to = from; });
-  check_assignment_from_within<node<stack_of>>(copies);
-  using stack = LX_TStack<node<stack_of>>;
-  check_assignment_from_within<node<stack_of>>([](stack& to, stack& from) { to = from; });
+  check_assignment_from_within<array_of<node<array_of>>, array_of>();
+  check_assignment_from_within<collection_of<node<collection_of>>, collection_of>();
+  check_assignment_from_within<LX_TCollection<node<collection_of>>, collection_of>();
+  check_assignment_from_within<list_of<node<list_of>>, list_of>();
+  check_assignment_from_within<stack_of<node<stack_of>>, stack_of>();
+  check_assignment_from_within<LX_TStack<node<stack_of>>, stack_of>();
 }
 
 TEST(Containers, WhatAnItemOwnsCanBePutInItsArray) {
-  using array = LX_TDynamic<fixed_node>;
-  void (*const steps[])(array&, fixed_node const&) = {
-      [](array& a, fixed_node const& n) { a.Append(n); },
-      [](array& a, fixed_node const& n) { a.Insert(n); },
-      [](array& a, fixed_node const& n) { a.Append(n, 0); },
-      [](array& a, fixed_node const& n) { a.Insert(n, 2); },
-      [](array& a, fixed_node const& n) { a.Replace(1, n); },
+  using owner = node<array_of>;
+  using array = LX_TDynamic<owner>;
+  void (*const steps[])(array&, owner const&) = {
+      [](array& a, owner const& n) { a.Append(n); },
+      [](array& a, owner const& n) { a.Append(n, 0); },
+      [](array& a, owner const& n) { a.Insert(n, 2); },
+      [](array& a, owner const& n) { a.Replace(1, n); },
   };
   for (auto step : steps) {
     for (int n : {3, 4}) {  // with room, and full
@@ -212,7 +205,9 @@ TEST(Containers, FailuresLeaveAWorkingContainer) {
   auto a = filled(LX_TDynamic<long long>(4), 5);
   failing_allocator const failing(1);
   a.Remove(4);  // does without it
-  EXPECT_TRUE(failing.failed_size() != 0 && a.Length() == 4 && a.Last() == 3);
+  EXPECT_NE(failing.failed_size(), 0u);
+  EXPECT_EQ(a.Length(), 4u);
+  EXPECT_EQ(a.Last(), 3);
 }
 
 void const* s_lockable;
