@@ -1,8 +1,6 @@
 // The services that the product's own would replace, and what is built on them: file names and
 // pathnames, dates, storage areas and administrative handles.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <climits>
 #include <filesystem>
@@ -90,23 +88,6 @@ TEST(FileNames, SayWhyTheyAreNotFound) {
   EXPECT_EQ(locate("", 100), FILEUTL_NO_NAME);
   EXPECT_EQ(locate("/none", 100), FILEUTL_NO_FILE);
   EXPECT_EQ(locate("/proc", 1), FILEUTL_NO_ROOM);
-}
-
-TEST(FileNames, AreFoundUnderAnotherRoot) {
-  if (geteuid() != 0) GTEST_SKIP() << "not root";
-  auto const root = testing::TempDir() + "services_test_root";
-  std::filesystem::create_directories(root + "/folder");
-  pid_t const child = fork();
-  if (child == 0) {
-    GCL_String source;
-    GCL_Pathname mount, below;
-    if (chroot(root.c_str()) == 0) GCL_Pathname("/folder").components(source, mount, below);
-    _exit(source == "-" && mount == "/" && below == "folder" ? 0 : 1);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(status, 0);
-  std::filesystem::remove_all(root);
 }
 
 // The time that a text stands for; -77 for none.

@@ -108,6 +108,15 @@ TEST(Status, FailedAllocationsPassThroughTheServiceAndLeaveNoMessage) {
                        });
 }
 
+TEST(Status, CollectorRecordsSeverities) {
+  GCL_ImsgCollector collector;
+  imsg_print(5, "a warning", -1);
+  collector.add_message("of no severity", 11);
+  EXPECT_TRUE(collector.has_message(4));
+  EXPECT_FALSE(collector.has_message(6));
+  EXPECT_FALSE(collector.has_message(11));
+}
+
 TEST(Status, CopiesOfCapturedMessagesAreAskedForEachTime) {
   auto const child = run_in_child([] {
     GCL_Status status;
