@@ -49,6 +49,17 @@ TEST(Messages, LoggedTextIsTheUsersOrTheTables) {
 #endif
 }
 
+TEST(Messages, IndicesThatNoTableHasAreReported) {
+  GCL_Status errors;
+  {
+    GCL_ImsgRedirect const redirect(errors);
+    for (int const index : {-1, _gcl_string_gcl_msg_table.count}) {
+      tbs_log_int_error("gcl", &_gcl_string_gcl_msg_table, index, "f.cc", 1, 0);
+    }
+  }
+  EXPECT_EQ(split(errors.error_message(), " is not in the table of ").Length(), 3u);
+}
+
 TEST(Messages, IdentificationLineHasItsColumns) {
   char line[200] = "", end = '\0';
   int year = 0;

@@ -124,6 +124,12 @@ TEST(String, RefusesWhatIsTooLong) {
   EXPECT_NE(failing_allocator::failed_size(), 0u);
 }
 
+TEST(StringRep, GrowsToNoLessThanAskedForWhereTheRulesSumWraps) {
+  failing_allocator const failing(1);
+  EXPECT_THROW(GCL_StringRep(0, 3'435'973'837, nullptr), std::bad_alloc);
+  EXPECT_EQ(failing_allocator::failed_size(), 3'435'973'837);
+}
+
 // A body of the longest length that has room for more. Its text is never touched.
 TEST(String, LongestTextTakesNoFurtherCharacter) {
   if (sizeof(void*) == 4) GTEST_SKIP() << "no block of that size";
