@@ -49,6 +49,27 @@ TEST(Messages, LoggedTextIsTheUsersOrTheTables) {
 #endif
 }
 
+TEST(Messages, IndicesThatNoTableHasAreReported) {
+  GCL_Status errors;
+  {
+    GCL_ImsgRedirect const redirect(errors);
+    for (int const index : {-1, _gcl_string_gcl_msg_table.count}) {
+      tbs_log_int_error("gcl", &_gcl_string_gcl_msg_table, index, "f.cc", 1, 0);
+    }
+  }
+  EXPECT_EQ(split(errors.error_message(), " is not in the table of ").Length(), 3u);
+}
+
+TEST(Messages, IdentificationLineHasItsColumns) {
+  char line[200] = "", end = '\0';
+  int year = 0;
+  libmiroxgcl_sprintf_verid(line);
+  char const columns[] = "libmiroxgcl%*23[ ]%*[0-9.] (%*3c %*3c %*d %*d:%*d:%*d %d)%c";
+  EXPECT_EQ(std::sscanf(line, columns, &year, &end), 2) << line;
+  EXPECT_EQ(end, '\n');
+  EXPECT_EQ(run_in_child([] { libmiroxgcl_print_verid(); }).out, line);
+}
+
 // ---- Checks
 
 TEST(Assertion, LogsAndAbortsUnlessTheEnvironmentSaysOtherwise) {
@@ -98,6 +119,28 @@ TEST(Levels, OfTheEnvironmentThenOfTheArgument) {
   unsetenv("MIROX_GCL_DEBUG");
   EXPECT_FALSE(debug.is_enabled(GCL_Debug::parsing, GCL_Debug::fine));
   EXPECT_FALSE(debug.is_enabled(GCL_Debug::Discriminator{-1}, GCL_Debug::Level{INT_MIN}));
+}
+
+TEST(Levels, SpecificationsNameAreasRangesAndLevels) {
+  struct {
+    char const* levels;
+    int level_of_7;
+  } const rows[] = {
+      {"7", 1},
+      {"6-8.2", 2},
+      {"8-6.2", 0},
+      {"7.3+7.", 0},
+      {"6-7.2,7.4", 4},
+      {"0-711.3-7", 1},
+      {"6-99999999999.99999999999", INT_MAX},
+  };
+  for (auto const& row : rows) {
+    GCL_Debug const debug(row.levels);
+    GCL_Debug::Discriminator const area{7};
+    EXPECT_TRUE(debug.is_enabled(area, GCL_Debug::Level{row.level_of_7})) << row.levels;
+    if (row.level_of_7 == INT_MAX) continue;
+    EXPECT_FALSE(debug.is_enabled(area, GCL_Debug::Level{row.level_of_7 + 1})) << row.levels;
+  }
 }
 
 // ---- Debug lines and traces
@@ -204,6 +247,26 @@ TEST(Indent, BlocksNestAndTextsAreCutAtAWholeCharacter) {
   GCL_Indent const block(("x" + clefs).c_str());
   EXPECT_EQ(block.header(), "BEGIN x" + clefs.substr(0, 1016));
   EXPECT_EQ(block.indent(), clefs.substr(0, 1020));
+}
+
+TEST(Indent, FormatTakesTheTitleOnceAndHalvesPercentSigns) {
+  struct {
+    char const *format, *title, *header;
+  } const rows[] = {
+      {"[%s]", "title", "[title]"},
+      {"%s, %s", "title", "title, %s"},
+      {"100%% %s", "title", "100% title"},
+      {"%%s", "title", "%s"},
+      {"%n%", "title", "%n%"},
+      {"%s", "%s%n", "%s%n"},
+      {"no title: %s", "", ""},
+  };
+  std::cout.setstate(std::ios::failbit);
+  for (auto const& row : rows) {
+    setenv("GCL_INDENT_HEADER_FORMAT", row.format, 1);
+    GCL_Indent::initialize_indent();
+    EXPECT_STREQ(GCL_Indent(row.title).header(), row.header) << row.format;
+  }
 }
 
 }  // namespace

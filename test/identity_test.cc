@@ -1,63 +1,61 @@
-// Users and groups, against services made up for the purpose. hostile_test.cc asks the real ones.
+// Users, groups and credentials, against services made up for the purpose. The example whoami asks the
+// real ones.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
-#include <sstream>
 
 #include "miroxgcl/gcl.h"
 #include "miroxplat/sysutl.h"
+#include "support/failing_allocator.h"
 
 namespace {
 
-std::ostringstream s_calls;  // of the services, with what went in; of an identifier the last byte
-int s_code = 0;              // their answer
-bool s_is_group_gone = false;
+int s_code = 0;        // what the services answer
+bool s_speaks = true;  // they print a message, whatever they answer
 
-// Every call says something, whatever its answer.
-template <class... Arguments>
-int answer(Arguments... arguments) {
-  ((s_calls << arguments << ' '), ...);
-  imsg_print(6, "said\n", -1);
+int answer() {
+  if (s_speaks) imsg_print(6, "said\n", -1);
   return s_code;
 }
 
-int sid(char c, credutl_sid_s* sid, int code) {
-  std::memset(sid->bytes, c, sizeof sid->bytes);
-  return code;
+// An identifier's first bytes are its name. "?" has none.
+credutl_sid_s sid_of(char const* name) {
+  credutl_sid_s sid = {};
+  std::strcpy(reinterpret_cast<char*>(sid.bytes), name);
+  return sid;
 }
-
-credutl_sid_s sid_of(char c) {
-  credutl_sid_s result;
-  return sid(c, &result, 0), result;
+char const* look_up(credutl_sid_s const* sid, int checks, int unused) {
+  EXPECT_EQ(checks, 1);
+  EXPECT_EQ(unused, 0);
+  auto const name = reinterpret_cast<char const*>(sid->bytes);
+  return answer() == 0 && *name != '?' ? name : nullptr;
 }
-
-char last(credutl_sid_s const* sid) { return static_cast<char>(sid->bytes[33]); }
 
 }  // namespace
 
-char const* sysutl_myloginname() { return answer("login") == 0 ? "ann" : nullptr; }
-char const* sysutl_mygroupname() { return answer("group") == 0 ? "staff" : nullptr; }
+char const* sysutl_myloginname() { return answer() == 0 ? "ann" : nullptr; }
+char const* sysutl_mygroupname() { return answer() == 0 ? "staff" : nullptr; }
 char const* sysutl_usid_to_user(credutl_sid_s const* sid, int a, int b) {
-  return answer("usid_to_user", last(sid), a, b) == 0 ? "bob" : nullptr;
+  return look_up(sid, a, b);
 }
 char const* sysutl_gsid_to_group(credutl_sid_s const* sid, int a, int b) {
-  return answer("gsid_to_group", last(sid), a, b) == 0 && !s_is_group_gone ? "wheel" : nullptr;
+  return look_up(sid, a, b);
 }
-char const* sysutl_user_to_fullname(char const* user) {
-  return answer("user_to_fullname", user) == 0 ? "Ann B." : nullptr;
+char const* sysutl_user_to_fullname(char const*) { return answer() == 0 ? "Ann B." : nullptr; }
+int sysutl_user_to_usid(char const* user, int, credutl_sid_s* result) {
+  return *result = sid_of(user), answer();
 }
-int sysutl_user_to_usid(char const* user, int a, credutl_sid_s* result) {
-  return sid('u', result, answer("user_to_usid", user, a));
+int sysutl_user_to_gsid(char const* user, int, credutl_sid_s* result) {
+  return *result = sid_of(std::strcmp(user, "stray") == 0 ? "?" : "wheel"), answer();
 }
-int sysutl_user_to_gsid(char const* user, int a, credutl_sid_s* result) {
-  return sid('p', result, answer("user_to_gsid", user, a));
+int sysutl_group_to_gsid(char const* group, int, credutl_sid_s* result) {
+  return *result = sid_of(group), answer();
 }
-int sysutl_group_to_gsid(char const* group, int a, credutl_sid_s* result) {
-  return sid('g', result, answer("group_to_gsid", group, a));
-}
-int sysutl_get_homedir(char const* user, int size, char* buffer) {
-  *std::fill_n(buffer, size - 1, '/') = '!';  // to its last byte; the end is the library's
-  return answer("homedir", user, size) == 0;
+int sysutl_get_homedir(char const*, int size, char* buffer) {
+  EXPECT_EQ(size, 1024);
+  std::fill_n(buffer, size, '/');  // to its last byte; the end is the library's
+  return answer() == 0;
 }
 
 namespace {
@@ -74,47 +72,98 @@ auto check(std::string const& outcome, Operation operation) {
   return result;
 }
 
-// Codes become the status's. Only the look-ups of identifiers send it the messages, too.
-TEST(Identity, AnswersAndFailuresOfTheServicesArePassedOn) {
+TEST(Identity, LookUpsOfIdentifiersPassCodesAndMessagesOn) {
+  GCL_Status status;
+  GCL_OSUser const ann(status, "ann"), stray(status, "stray");
+  GCL_OSGroup const staff(status, "staff");
+  struct {
+    int code;
+    char const* outcome;
+  } const rows[] = {{1, "1001 held\nsaid\n"}, {2, "1002 held\nsaid\n"}, {0, "0 "}};
+  for (auto const& row : rows) {
+    s_code = row.code;
+    check(row.outcome, [&](GCL_Status& s) { return ann.sid(s); });
+    check(row.outcome, [&](GCL_Status& s) { return staff.sid(s); });
+    auto const primary = check(row.outcome, [&](GCL_Status& s) { return ann.primary_group(s); });
+    EXPECT_EQ(primary.group_name(), row.code == 0 ? "wheel" : "");
+  }
+  EXPECT_EQ(GCL_OSUser(status, ann.sid(status)).user_name(), "ann");
+  EXPECT_EQ(GCL_OSGroup(status, staff.sid(status)).group_name(), "staff");
+  check("1001 held\nsaid\nsaid\n", [&](GCL_Status& s) { return stray.primary_group(s); });
+}
+
+TEST(Identity, OtherLookUpsPassACodeAlone) {
   GCL_Status display;
   display.grab_imsg_out();
-  auto const ann = check("0 ", [](auto& s) { return GCL_OSUser(s, "ann"); });
-  auto const staff = check("0 ", [](auto& s) { return GCL_OSGroup(s, "staff"); });
-  for (int code : {0, 1, 2, 3, -2}) {
+  for (int const code : {2, 0}) {
+    bool const found = code == 0;
     s_code = code;
-    s_calls.str("");
-    display.set_ok();
-    bool const ok = code == 0;
-    std::string const number = ok ? "0 " : code == 2 ? "1002 " : "1001 ";
-    std::string const told = number + (ok ? "" : "held\nsaid\n");
-    auto const usid = check(told, [&](auto& s) { return ann.sid(s); });
-    auto const gsid = check(told, [&](auto& s) { return staff.sid(s); });
-    EXPECT_TRUE(!ok || last(&usid) * 1000 + last(&gsid) == 'u' * 1000 + 'g');
-    auto const primary = check(told, [&](auto& s) { return ann.primary_group(s); });
-    EXPECT_EQ(primary.group_name(), ok ? "wheel" : "");
-    EXPECT_EQ(display.error_message(), "");
-
-    std::string const outcome = ok ? "0 " : "1001 held\n";
-    auto const me = check(outcome, [](auto& s) { return GCL_OSUser(s); });
-    auto const us = check(outcome, [](auto& s) { return GCL_OSGroup(s); });
-    auto const bob = check(outcome, [](auto& s) { return GCL_OSUser(s, sid_of('1')); });
-    auto const wheel = check(outcome, [](auto& s) { return GCL_OSGroup(s, sid_of('2')); });
-    EXPECT_TRUE(me == (ok ? ann : GCL_OSUser()) && us == (ok ? staff : GCL_OSGroup()));
-    EXPECT_TRUE(bob.user_name() == (ok ? "bob" : "") && wheel == primary);
-    EXPECT_TRUE(ann != bob && !(ann == bob) && staff != wheel && !(staff == wheel));
-    EXPECT_EQ(check(outcome, [&](auto& s) { return ann.home_dir(s); }),
-              ok ? GCL_String('/', 1023) : GCL_String());
-    EXPECT_EQ(ann.full_name(), ok ? "Ann B." : "ann");
-    EXPECT_EQ(display.error_message(), "said\nsaid\nsaid\nsaid\nsaid\nsaid\n");
-    EXPECT_EQ(s_calls.str(),
-              std::string("user_to_usid ann 0 group_to_gsid staff 0 user_to_gsid ann 0 ") +
-                  (ok ? "gsid_to_group p 1 0 " : "") +
-                  "login group usid_to_user 1 1 0 gsid_to_group 2 1 0 "
-                  "homedir ann 1024 user_to_fullname ann ");
+    auto const passed_on = [&](auto operation) {
+      return check(found ? "0 " : "1001 held\n", operation);
+    };
+    auto const me = passed_on([](GCL_Status& s) { return GCL_OSUser(s); });
+    auto const us = passed_on([](GCL_Status& s) { return GCL_OSGroup(s); });
+    auto const bob = passed_on([](GCL_Status& s) { return GCL_OSUser(s, sid_of("bob")); });
+    auto const disk = passed_on([](GCL_Status& s) { return GCL_OSGroup(s, sid_of("disk")); });
+    EXPECT_EQ(me.user_name(), found ? "ann" : "");
+    EXPECT_EQ(us.group_name(), found ? "staff" : "");
+    EXPECT_EQ(bob.user_name(), found ? "bob" : "");
+    EXPECT_EQ(disk.group_name(), found ? "disk" : "");
+    EXPECT_EQ(me.full_name(), found ? "Ann B." : "");
+    EXPECT_EQ(passed_on([&](GCL_Status& s) { return me.home_dir(s); }),
+              found ? GCL_String('/', 1023) : GCL_String());
   }
-  s_code = 0;
-  s_is_group_gone = true;
-  check("1001 held\nsaid\nsaid\n", [&](auto& s) { return ann.primary_group(s); });
+}
+
+std::string names(GCL_Credentials const& all) {
+  GCL_String result = all.user().user_name() + " " + all.primary_group().group_name();
+  for (auto const& group : all.secondary_groups()) result += " " + group.group_name();
+  return result.c_str();
+}
+
+TEST(Credentials, AreARecordsNames) {
+  static struct {
+    credutl_sid_s user, primary;
+    int count;
+    credutl_sid_s others[1'000'000];
+  } record;  // too large for the stack
+  record.user = sid_of("ann"), record.primary = sid_of("staff"), record.count = 2;
+  record.others[0] = sid_of("disk"), record.others[1] = sid_of("tape");
+  s_speaks = false;
+  GCL_Status status;
+  auto const translated = [&] {
+    return GCL_Credentials(status, reinterpret_cast<credutl_sid_credentials_t const&>(record));
+  };
+  EXPECT_EQ(names(translated()), "ann staff tape disk");
+
+  for (credutl_sid_s* sid : {&record.user, &record.primary, &record.others[1]}) {
+    auto const old = std::exchange(*sid, sid_of("?"));
+    EXPECT_EQ(names(translated()), " ");
+    EXPECT_EQ(status.value(), 1001);
+    *sid = old;
+  }
+  for (int const count : {0, -1, INT_MIN}) {
+    record.count = count;
+    EXPECT_EQ(names(translated()), "ann staff");
+  }
+  record.count = 1'000'000;  // in linear time
+  EXPECT_EQ(translated().secondary_groups().Length(), 1'000'000u);
+}
+
+TEST(Credentials, CopiesAreDeepAndFailedOnesChangeNothing) {
+  GCL_Status status;
+  GCL_Credentials source;
+  source.set_user(GCL_OSUser(status, "ann"));
+  source.set_primary_group(GCL_OSGroup(status, "staff"));
+  GCL_Credentials const copy(source);
+  source.set_user(GCL_OSUser(status, "bob"));
+  source.set_secondary_groups({GCL_OSGroup(status, "disk")});
+
+  auto const assign = [&](GCL_Credentials& target) { target = source; };
+  auto const check_names = [](GCL_Credentials const& target, bool failed) {
+    EXPECT_EQ(names(target), failed ? "ann staff" : "bob staff disk");
+  };
+  EXPECT_GT(fail_each_allocation([&] { return copy; }, assign, check_names), 2);
 }
 
 }  // namespace

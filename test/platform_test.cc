@@ -5,10 +5,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <functional>
-#include <thread>
 
 #include "miroxplat/imsg.h"
-#include "miroxplat/strutl.h"
 #include "miroxplat/sysutl.h"
 #include "support/replaced.h"
 
@@ -64,33 +62,6 @@ TEST(Messages, StyleSequencesAreRemoved) {
     imsg_strip_style_chars(dest, ("unfinished\x1B" + text).c_str());
     EXPECT_STREQ(dest, "unfinished") << text;
   }
-}
-
-// The first texts are one character each; of the others, malformed, each byte is one.
-TEST(Texts, AreSearchedByWholeCharacters) {
-  int whole = 5;
-  for (std::string const text :
-       {"\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF",
-        "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80",
-        "\xF0\x9F\x98", "\xE2\x82\xC0", "\x80\x80"}) {
-    SCOPED_TRACE(testing::PrintToString(text));
-    bool const is_split = whole-- <= 0;
-    unsigned int const last = static_cast<unsigned int>(text.size()) - 1;
-    unsigned int at = 99, second = 99;
-    int index = -1;
-    EXPECT_EQ(strutl_mblen(text.c_str(), last + 1), is_split ? 1 : last + 1);
-    EXPECT_EQ(strutl_mblen(text.c_str(), last), 1u);
-    EXPECT_EQ(strutl_find_str(text.c_str(), 0, &text[last], &at), is_split);
-    EXPECT_EQ(strutl_find_str(text.c_str(), 0, text.substr(0, last).c_str(), &at), is_split);
-    EXPECT_EQ(strutl_find_char_from(text.c_str(), 1, text.c_str(), &at, &second), is_split);
-    EXPECT_TRUE(strutl_find_char_from(text.c_str(), 0, ("a" + text).c_str(), &at, &second));
-    EXPECT_EQ(at * 10 + second, 1u);
-    EXPECT_EQ(strutl_find_last_char(text.c_str(), 0, -1, &index), 0);
-    EXPECT_EQ(index, is_split ? static_cast<int>(last) : 0);
-  }
-  char lower[] = "?????";
-  strutl_cvt_case_string("A@[Z\xC3\x89", 1, 5, lower);
-  EXPECT_STREQ(lower, "a@[z");
 }
 
 TEST(Identities, AreRefusedWhenDamaged) {
@@ -163,33 +134,6 @@ TEST(Identities, AreLookedUpWithPatience) {
   s_find_user = patient(nullptr, nullptr);
   EXPECT_EQ(sysutl_user_to_fullname("ann"), nullptr);
   EXPECT_TRUE(sysutl_get_homedir("ann", 1, home));
-}
-
-char s_long_comment[] = "A full name that no string keeps within itself";
-
-// Ends the program unless the name that it keeps, and a new one, are there when it is destroyed.
-struct keeper {
-  char const* name = nullptr;
-  ~keeper() {
-    if (name == nullptr) return;
-    std::string const kept = name;
-    s_find_user = patient(s_long_comment, nullptr);
-    if (kept == s_long_comment && sysutl_user_to_fullname("ann") == kept) return;
-    std::fprintf(stderr, "A name did not outlive its user: \"%s\".\n", kept.c_str());
-    std::_Exit(1);
-  }
-};
-keeper s_keeper;
-
-TEST(Identities, OutliveStaticAndThreadLocalObjects) {
-  s_find_user = patient(s_long_comment, nullptr);
-  s_keeper.name = sysutl_user_to_fullname("ann");
-  std::thread([] {
-    static thread_local keeper own;
-    own.name = sysutl_user_to_fullname("ann");
-  }).join();
-  EXPECT_STREQ(s_keeper.name, s_long_comment);
-  s_find_user = nullptr;
 }
 
 }  // namespace

@@ -39,21 +39,6 @@ TEST(Time, ParsingReportsAndKeepsWhatTheServiceWrote) {
   EXPECT_TRUE(status.is_ok() && status.get_message_stack() == nullptr);
 }
 
-TEST(Period, HoldsThreeThingsSideBySide) {
-  GCL_TimePeriod p;
-  float days = 0;
-  p.duration(days);
-  EXPECT_TRUE(p.begin().time() == 0 && p.end().time() == 0 && days == 4294967296.0f);
-  p = GCL_TimePeriod(GCL_DateTime(9), GCL_DateTime(5), 1u);
-  p.set_end(GCL_DateTime(7));
-  p.set_duration(p.duration() + 10);
-  p.duration(days);
-  EXPECT_TRUE(p.begin().time() == 9 && p.end().time() == 7 && days == 11 / 86400.0f);
-  p = GCL_TimePeriod(p.end(), p.begin(), days);
-  p.set_begin(GCL_DateTime(8));
-  EXPECT_TRUE(p.begin().time() == 8 && p.end().time() == 9 && p.duration() == 11);
-}
-
 TEST(Period, OnlyTheMarkerItselfIsTheMarker) {
   GCL_TimePeriod p;
   float const marker = 4294967296.0f;

@@ -1,23 +1,5 @@
 // Words that other libraries and the system's headers define away, after the headers that use them.
-#include <algorithm>
-#include <any>
-#include <array>
-#include <atomic>
-#include <chrono>
-#include <deque>
-#include <functional>
-#include <iostream>
-#include <limits>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <optional>
-#include <random>
-#include <sstream>
-#include <string>
-#include <string_view>
-#include <unordered_map>
-#include <vector>
+#include <bits/stdc++.h>
 
 #define slots
 #define signals public

@@ -1,81 +1,18 @@
-// The library's small languages: debug levels, indentation formats, style sequences, pathnames and
-// dates, each against a model of its own.
+// Texts read as dates near the changes of a zone's clock. An operation is one text: a time in some layout,
+// or "today" and its neighbours. The model has the periods between changes, each with its offset, found
+// by asking the C library every few hours, and tries them all. What is read wrongly is printed with its
+// zone.
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <ctime>
 #include <filesystem>
-#include <iostream>
 #include <random>
 
 #include "fuzz/fuzz_input.h"
-#include "miroxgcl/gcl.h"
 #include "miroxplat/date_fmt.h"
 
 namespace {
 
-void check_levels(fuzz_input& input) {
-  std::string const spec = input.text(16, "012345678901234567890123456789--..., +x\xFF");
-  char const* p = spec.c_str();
-  auto const number = [&p](double most) {
-    std::string const digits(p, std::strspn(p, "0123456789"));
-    p += digits.size();
-    return static_cast<int>(std::min(std::strtod(digits.c_str(), nullptr), most));
-  };
-  int levels[712] = {};
-  do {
-    int const first = number(711);
-    int const last = *p == '-' && ++p ? number(711) : first;
-    int const level = *p == '.' && ++p ? number(INT_MAX) : 1;
-    for (int i = first; i <= last; ++i) levels[i] = level;
-  } while (*p++ != '\0');
-  GCL_Debug const debug(spec.c_str());
-  for (int i = 0; i < 712; ++i) {
-    auto const area = GCL_Debug::Discriminator{i};
-    FUZZ_CHECK(debug.is_enabled(area, GCL_Debug::Level{levels[i]}));
-    FUZZ_CHECK(levels[i] == INT_MAX || !debug.is_enabled(area, GCL_Debug::Level{levels[i] + 1}));
-  }
-}
-
-void check_format(fuzz_input& input) {
-  std::string const format = input.text(12, "%%%ss nx");
-  std::string title = input.text(40, "%s%nx\xC3\xA4");
-  for (auto doublings = input.number(7); doublings != 0; --doublings) title += title;
-  std::string filled;
-  for (std::size_t i = 0, titles = 0; i < format.size() && !title.empty(); ++i) {
-    std::string const two = format.substr(i, 2);
-    bool const is_title = two == "%s" && titles++ == 0;
-    filled += is_title ? title : format.substr(i, 1);
-    if (is_title || two == "%%") ++i;
-  }
-  for (std::ostream* stream : {&std::cout, &std::cerr}) stream->setstate(std::ios::failbit);
-  setenv("GCL_INDENT_HEADER_FORMAT", format.c_str(), 1);
-  GCL_Indent::initialize_indent();
-  unsetenv("GCL_INDENT_HEADER_FORMAT");
-  std::string const header = GCL_Indent(title.c_str()).header();
-  // A cut lies between characters.
-  if (filled.size() > 1023) filled.resize(std::clamp<std::size_t>(header.size(), 1020, 1023));
-  FUZZ_CHECK(header == filled);
-}
-
-void check_styles(fuzz_input& input) {
-  GCL_String plain(input.text(20, "\x1B\x1B[]PX^_\a\\01;m( \xC3\n"));
-  std::string const sequence = "\x1B[" + input.text(5, "01;?") + "m";
-  FUZZ_CHECK(plain.remove_formatting().find("\x1B") == plain.npos);
-  FUZZ_CHECK((plain + sequence.c_str() + plain).remove_formatting() == plain + plain);
-}
-
-void check_paths(fuzz_input& input) {
-  std::string const left = input.text(8, "//..ab"), right = input.text(8, "//..ab");
-  std::string const seam = left.empty() || left.back() == '/' ? "" : "/";
-  GCL_Pathname path = GCL_String(left.c_str());
-  path.append_path(GCL_String(right.c_str()));
-  FUZZ_CHECK(path.c_str() == left + seam + right.substr(right[0] == '/' ? 1 : 0));
-  FUZZ_CHECK(path.dirname().append_path(path.basename()).absolute() == path.absolute());
-}
-
-// Dates near the changes of a zone's clock. The model has the periods between changes, each with its
-// offset, found by asking the C library every few hours, and tries them all.
 struct period {
   long begin, end, offset;  // the clock shows t + offset while begin <= t < end
 };
@@ -180,15 +117,6 @@ void check_days(std::vector<period> const& periods) {
   check_date("tomorrow", 0, day_at(1));
 }
 
-// What can be read after a change of one character is written and read again as itself.
-void check_changed_text(fuzz_input& input) {
-  std::string text = date_fmt_long_date_time(s_now);
-  auto const place = std::min<std::size_t>(input.number(40), text.size());
-  text.replace(place, 1, input.text(2, "0123456789, S:"));
-  long t = none;
-  if (date_str_to_time2(text.c_str(), 0, &t) == 0) check_date(date_fmt_long_date_time(t), 0, {t});
-}
-
 void check_zone(std::string const& zone, fuzz_input& input, int rounds) {
   setenv("TZ", zone.c_str(), 1);
   tzset();
@@ -205,7 +133,6 @@ void check_zone(std::string const& zone, fuzz_input& input, int rounds) {
     s_now = near(128);
     for (int i = 0; i < 4; ++i) check_layout(input, periods, near(30) + offset_at(change));
     check_days(periods);
-    check_changed_text(input);
   }
 }
 
@@ -236,15 +163,11 @@ std::vector<std::string> swept_zones() {
 
 std::vector<std::string> const s_zones = swept_zones();  // before the fuzzer looks at the clock
 
-void check_dates(fuzz_input& input) {
-  check_zone(s_zones[input.number(static_cast<unsigned int>(s_zones.size()) - 1)], input, 2);
-}
-
 }  // namespace
 
 void fuzz_one_input(fuzz_input& input) {
-  std::array const checks{check_levels, check_format, check_styles, check_paths, check_dates};
-  for (std::size_t i = 0; !input.empty(); ++i) checks[i % checks.size()](input);
+  auto const last_zone = static_cast<unsigned int>(s_zones.size()) - 1;
+  check_zone(s_zones[input.number(last_zone)], input, 20);
 }
 
 // Takes the place of the C library's.
