@@ -53,7 +53,7 @@ TEST(Messages, IndicesThatNoTableHasAreReported) {
   GCL_Status errors;
   {
     GCL_ImsgRedirect const redirect(errors);
-    for (int const index : {-1, _gcl_string_gcl_msg_table.count}) {
+    for (int const index : {-1, int{_gcl_string_gcl_msg_table.count}}) {
       tbs_log_int_error("gcl", &_gcl_string_gcl_msg_table, index, "f.cc", 1, 0);
     }
   }
