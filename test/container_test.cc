@@ -291,6 +291,22 @@ TEST(Containers, StringListsAreValuesAndSlotsLeftBehindKeepTheirStrings) {
   EXPECT_EQ(x.body()->reference_count(), 4u);
 }
 
+template <class List>
+void check_that_chunk_size_stays() {
+  List const items;
+  List list(8);
+  list = items;
+  EXPECT_EQ(list.ChunkSize(), 8u);
+  list = List(5);
+  EXPECT_EQ(list.ChunkSize(), 8u);
+}
+
+TEST(Containers, TypedListsKeepTheirChunkSize) {
+  check_that_chunk_size_stays<GCL_IntegerList>();
+  check_that_chunk_size_stays<GCL_OSUserList>();
+  check_that_chunk_size_stays<GCL_OSGroupList>();
+}
+
 TEST(Containers, LongListsAreWalkedAndAssignedInLinearTime) {
   unsigned int const n = 200'000;
   LX_TUnbounded<unsigned int> l;

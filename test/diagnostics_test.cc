@@ -53,7 +53,7 @@ TEST(Messages, IndicesThatNoTableHasAreReported) {
   GCL_Status errors;
   {
     GCL_ImsgRedirect const redirect(errors);
-    for (int const index : {-1, _gcl_string_gcl_msg_table.count}) {
+    for (int const index : {-1, int{_gcl_string_gcl_msg_table.count}}) {
       tbs_log_int_error("gcl", &_gcl_string_gcl_msg_table, index, "f.cc", 1, 0);
     }
   }
@@ -124,22 +124,22 @@ TEST(Levels, OfTheEnvironmentThenOfTheArgument) {
 TEST(Levels, SpecificationsNameAreasRangesAndLevels) {
   struct {
     char const* levels;
-    int level_of_7;
+    int area, level;
   } const rows[] = {
-      {"7", 1},
-      {"6-8.2", 2},
-      {"8-6.2", 0},
-      {"7.3+7.", 0},
-      {"6-7.2,7.4", 4},
-      {"0-711.3-7", 1},
-      {"6-99999999999.99999999999", INT_MAX},
+      {"7", 7, 1},
+      {"6-8.2", 7, 2},
+      {"8-6.2", 7, 0},
+      {"7.3+7.", 7, 0},
+      {"6-7.2,7.4", 7, 4},
+      {"0-711.3-7", 7, 1},
+      {"6-99999999999.99999999999", 711, INT_MAX},
   };
   for (auto const& row : rows) {
     GCL_Debug const debug(row.levels);
-    GCL_Debug::Discriminator const area{7};
-    EXPECT_TRUE(debug.is_enabled(area, GCL_Debug::Level{row.level_of_7})) << row.levels;
-    if (row.level_of_7 == INT_MAX) continue;
-    EXPECT_FALSE(debug.is_enabled(area, GCL_Debug::Level{row.level_of_7 + 1})) << row.levels;
+    GCL_Debug::Discriminator const area{row.area};
+    EXPECT_TRUE(debug.is_enabled(area, GCL_Debug::Level{row.level})) << row.levels;
+    if (row.level == INT_MAX) continue;
+    EXPECT_FALSE(debug.is_enabled(area, GCL_Debug::Level{row.level + 1})) << row.levels;
   }
 }
 

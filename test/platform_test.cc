@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "miroxplat/imsg.h"
+#include "miroxplat/strutl.h"
 #include "miroxplat/sysutl.h"
 #include "support/replaced.h"
 
@@ -61,6 +62,21 @@ TEST(Messages, StyleSequencesAreRemoved) {
   for (std::string const text : {"", "[", "[1 ", "]", "]0;t\x1B", "Pq\x1B", "X\a", "(", " /"}) {
     imsg_strip_style_chars(dest, ("unfinished\x1B" + text).c_str());
     EXPECT_STREQ(dest, "unfinished") << text;
+  }
+}
+
+TEST(Texts, CharactersAreThoseOfUtf8) {
+  for (std::string const character :
+       {"\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+    auto const size = static_cast<unsigned int>(character.size());
+    EXPECT_EQ(strutl_mblen(character.c_str(), size), size) << testing::PrintToString(character);
+    EXPECT_EQ(strutl_mblen(character.c_str(), size - 1), 1u) << testing::PrintToString(character);
+  }
+  for (std::string const malformed :
+       {"\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80",
+        "\xE2\x82\xC0", "\x80\x80"}) {
+    auto const size = static_cast<unsigned int>(malformed.size());
+    EXPECT_EQ(strutl_mblen(malformed.c_str(), size), 1u) << testing::PrintToString(malformed);
   }
 }
 

@@ -94,6 +94,15 @@ TEST(String, TakesAllBytesButSeeksUpToTheFirstNul) {
   EXPECT_EQ(GCL_String(null, 5), null);
 }
 
+TEST(String, SearchesSeeWholeCharacters) {
+  GCL_String const s("x\xC3\xA9y\xC3\xA8z");
+
+  EXPECT_EQ(s.find("\xA9"), npos);
+  EXPECT_EQ(s.find_first_of("\xA9z"), 6u);
+  EXPECT_EQ(s.find_first_not_of("x\xC3"), 3u);
+  EXPECT_EQ(s.find_last_not_of("z"), 4u);
+}
+
 // Processor time: reading all of the text, the pattern or the set again at each match takes far
 // longer.
 TEST(String, SearchesAreLinear) {
@@ -238,9 +247,8 @@ TEST(String, KeepsItsValueWhenAnAllocationFails) {
       edit(edited);
       auto const check = [&](GCL_String const& s, bool failed) {
         EXPECT_EQ(s, failed ? original : edited);
-        if (failed) {
-          EXPECT_EQ(s.body()->reference_count(), is_shared ? 2u : 1u);
-        }
+        if (!failed) return;
+        EXPECT_EQ(s.body()->reference_count(), is_shared ? 2u : 1u);
       };
       EXPECT_TRUE(fail_each_allocation(prepare, edit, check) != 0 || !is_shared);
     }

@@ -39,6 +39,14 @@ TEST(Time, ParsingReportsAndKeepsWhatTheServiceWrote) {
   EXPECT_TRUE(status.is_ok() && status.get_message_stack() == nullptr);
 }
 
+TEST(Period, HoldsThreeThingsSideBySide) {
+  GCL_TimePeriod p(GCL_DateTime(9), GCL_DateTime(5), 1u);
+  p.set_end(GCL_DateTime(7));
+  EXPECT_EQ(p.begin().time(), 9);
+  EXPECT_EQ(p.end().time(), 7);
+  EXPECT_EQ(p.duration(), 1u);
+}
+
 TEST(Period, OnlyTheMarkerItselfIsTheMarker) {
   GCL_TimePeriod p;
   float const marker = 4294967296.0f;
