@@ -16,27 +16,59 @@
 
 #include "keep.h"
 
+// Which clock measures a row: the thread's CPU time, or the wall's where there are several threads.
+enum class Clock { cpu, wall };
+
 // What it runs is named "row|reach|ours" or "row|reach|peer", which report.py takes apart.
 class Row {
  public:
   // A loop is asked for `batch` rounds at a time: the more, the less its preparations count.
-  Row(std::string const& name, std::string const& reach, long batch = 1000)
-      : m_name(name + '|' + reach + '|'), m_batch(batch) {}
+  Row(std::string const& name, std::string const& reach, long batch = 1000,
+      Clock clock = Clock::cpu)
+      : m_name(name + '|' + reach + '|'), m_batch(batch), m_clock(clock) {}
 
   Row const& ours(Loop loop) const { return peer("ours", loop); }
   // A peer without loop is not on this machine.
   Row const& peer(std::string const& peer, Loop loop) const {
     if (loop == nullptr) return *this;
-    benchmark::RegisterBenchmark((m_name + peer).c_str(),
-                                 [loop, batch = m_batch](benchmark::State& state) {
-                                   while (state.KeepRunningBatch(batch)) loop(batch);
-                                 });
+    auto* const run = benchmark::RegisterBenchmark(
+        (m_name + peer).c_str(), [loop, batch = m_batch](benchmark::State& state) {
+          while (state.KeepRunningBatch(batch)) loop(batch);
+        });
+    if (m_clock == Clock::wall) run->UseRealTime();
     return *this;
   }
 
  private:
   std::string m_name;
   long m_batch;
+  Clock m_clock;
+};
+
+// A row of bytes instead of time, for values of `size`: reported as so many nanoseconds.
+class MemoryRow {
+ public:
+  using Measure = double (*)(int size);
+
+  MemoryRow(std::string const& name, std::string const& reach, int size)
+      : m_name(name + '|' + reach + '|'), m_size(size) {}
+
+  MemoryRow const& ours(Measure measure) const { return peer("ours", measure); }
+  MemoryRow const& peer(std::string const& peer, Measure measure) const {
+    if (measure == nullptr) return *this;
+    benchmark::RegisterBenchmark((m_name + peer).c_str(),
+                                 [measure, size = m_size](benchmark::State& state) {
+                                   for (auto _ : state)
+                                     state.SetIterationTime(measure(size) * 1e-9);
+                                 })
+        ->UseManualTime()
+        ->Iterations(1);
+    return *this;
+  }
+
+ private:
+  std::string m_name;
+  int m_size;
 };
 
 inline int run_rows(int argc, char** argv) {

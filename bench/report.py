@@ -46,7 +46,9 @@ def read_pairs(files):
         for run in sorted(runs, key=lambda run: run["family_index"]):
             if run.get("aggregate_name") == "median":
                 row, reach, who = run["run_name"].split("|")
-                rows.setdefault((row, reach), {})[who] = run["cpu_time"] * UNITS[run["time_unit"]]
+                who, *options = who.split("/")  # by which clock, for instance
+                time = run["real_time" if options else "cpu_time"]
+                rows.setdefault((row, reach), {})[who] = time * UNITS[run["time_unit"]]
     return [Pair(row, reach, times["ours"], peer, theirs)
             for (row, reach), times in rows.items()
             for peer, theirs in times.items() if peer != "ours"]
@@ -57,6 +59,10 @@ def time_text(ns):
         if ns < limit:
             return f"{ns * 1e3 / limit:.3g} {unit}"
     return f"{ns / 1e9:.3g} s"
+
+
+def bytes_text(count):
+    return f"{count:.0f} B"
 
 
 def table(head, rows):
@@ -70,8 +76,9 @@ def comparison_table(pairs):
     for pair in pairs:
         is_first = pair.row != last
         last = pair.row
-        rows.append([pair.row if is_first else "", time_text(pair.ours) if is_first else "",
-                     pair.peer, time_text(pair.theirs), pair.value_text(), *pair.reach_text()])
+        text = bytes_text if pair.row.startswith("memory") else time_text
+        rows.append([pair.row if is_first else "", text(pair.ours) if is_first else "",
+                     pair.peer, text(pair.theirs), pair.value_text(), *pair.reach_text()])
     return table(["row", "ours", "peer", "the peer's", "ours / peer", "reach", "within"], rows)
 
 
