@@ -88,6 +88,7 @@ TEST(String, TakesAllBytesButSeeksUpToTheFirstNul) {
   char const* const null = nullptr;
 
   EXPECT_EQ(s.substr(1), "\0b"s);
+  EXPECT_EQ(s.substr(1ull), "\0b"s);
   EXPECT_EQ(s.find("b"), npos);
   EXPECT_FALSE(s == "a");
   EXPECT_THROW(s.at(3), std::out_of_range);
