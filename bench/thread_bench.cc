@@ -78,7 +78,7 @@ int main(int argc, char** argv) {
   Row("two threads: make and drop empty strings", "one thread <= 1.2", batch, Clock::wall)
       .ours(make_empty<2>)
       .peer("one thread", make_empty<1>);
-  Row("two threads: a disabled trace", "one thread <= 10", batch, Clock::wall)
+  Row("two threads: a disabled trace", "one thread <= 20", batch, Clock::wall)
       .ours(trace_disabled<2>)
       .peer("one thread", trace_disabled<1>);
   return run_rows(argc, argv);

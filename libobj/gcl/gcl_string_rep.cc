@@ -87,10 +87,13 @@ void GCL_StringRep::CapacityForecast::add_shortening(unsigned int room) {
 void GCL_StringRep::CapacityForecast::add_appends(unsigned int step, unsigned int count) {
   while (count != 0) {
     unsigned int const room = length < capacity ? capacity - 1 - length : 0;
-    unsigned int const fit = std::min(count, room / step);
+    if (std::uint64_t{step} * count <= room) {
+      length += step * count;
+      return;
+    }
+    unsigned int const fit = room < step ? 0 : room / step;  // fewer than count
     length += fit * step;
     count -= fit;
-    if (count == 0) return;
     length += step;
     --count;
     reserve = length;

@@ -225,7 +225,7 @@ std::istream& operator>>(std::istream& is, GCL_String& s) {
   if (is.good() && (is.flags() & std::ios_base::skipws) != 0) is >> std::ws;
   if (is.good()) {
     input.read(is, false, [](char const* begin, char const* end) {
-      return std::find_if(begin, end, is_space);
+      return std::find_if(begin, end, [](unsigned char c) { return is_space(c); });
     });
   } else if (!is.fail()) {
     is.setstate(std::ios_base::failbit);
