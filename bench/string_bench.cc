@@ -84,12 +84,12 @@ void hash_by_hand(long rounds) {
 }
 
 void register_sharing() {
-  Row("copy and drop 100 bytes", "CoW string <= 1")
+  Row("copy and drop 100 bytes", "CoW string <= 0.8")
       .ours(copy_and_drop<GCL_String>)
       .peer("CoW string", cow::copy_and_drop)
       .peer("std::string", copy_and_drop<std::string>)
       .peer("QByteArray", QT(copy_and_drop<QByteArray>));
-  Row("assign one of two strings", "CoW string <= 1")
+  Row("assign one of two strings", "CoW string <= 0.8")
       .ours(assign_one_of_two<GCL_String>)
       .peer("CoW string", cow::assign_one_of_two)
       .peer("std::string", assign_one_of_two<std::string>)
@@ -129,6 +129,21 @@ void register_editing() {
       .peer("QByteArray", QT(insert_and_erase<QByteArray>));
 }
 
+void register_literals() {
+  Row("find a literal in 60 bytes", "std::string <= 1")
+      .ours(find_literal<GCL_String>)
+      .peer("std::string", find_literal<std::string>);
+  Row("insert and remove a literal amid 1,000", "std::string <= 1.1")
+      .ours(insert_and_erase_literal<GCL_String>)
+      .peer("std::string", insert_and_erase_literal<std::string>);
+  Row("compare with a literal", "std::string <= 1")
+      .ours(compare_with_literal<GCL_String>)
+      .peer("std::string", compare_with_literal<std::string>);
+  Row("add literals at both ends", "std::string <= 1.25")
+      .ours(add_literals<GCL_String>)
+      .peer("std::string", add_literals<std::string>);
+}
+
 void register_searching() {
   Row("find 8 bytes at the end of 1 MB", "std::string <= 0.35", 1)
       .ours(find_at_end<GCL_String>)
@@ -160,6 +175,7 @@ void register_searching() {
 int main(int argc, char** argv) {
   register_sharing();
   register_editing();
+  register_literals();
   register_searching();
   return run_rows(argc, argv);
 }

@@ -144,6 +144,48 @@ void find_none_of_three(long rounds) {
 }
 
 template <class S>
+void find_literal(long rounds) {
+  S text(text_100(), 60);
+  for (long i = 0; i < rounds; ++i) {
+    keep(text);
+    auto found = text.find("eight");
+    keep(found);
+  }
+}
+
+template <class S>
+void insert_and_erase_literal(long rounds) {
+  S text;
+  for (int n = 0; n < 10; ++n) text.append(text_100(), 100);
+  for (long i = 0; i < rounds; ++i) {
+    text.insert(500, "a literal");
+    keep(text);
+    text.erase(500, 9);
+    keep(text);
+  }
+}
+
+template <class S>
+void compare_with_literal(long rounds) {
+  S text("a literal");
+  for (long i = 0; i < rounds; ++i) {
+    keep(text);
+    bool equal = text == "a literal";
+    keep(equal);
+  }
+}
+
+template <class S>
+void add_literals(long rounds) {
+  S text(text_100(), 20);
+  for (long i = 0; i < rounds; ++i) {
+    keep(text);
+    S sum = "a" + text + "b";
+    keep(sum);
+  }
+}
+
+template <class S>
 void compare_20(long rounds) {
   S a(text_100(), 20);
   S b(text_100(), 20);
