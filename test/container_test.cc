@@ -240,7 +240,7 @@ void check_locks(Container& a, Container& b, void const* lockable) {
       prepare, [&](int) { EXPECT_TRUE(a == b); }, check);
 
   s_calls.clear();
-  a = a;
+  a = *&a;
   EXPECT_TRUE(a == a);
   EXPECT_EQ(a.Cardinality(), 3u);
   EXPECT_EQ(s_calls, "");

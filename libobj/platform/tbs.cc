@@ -36,8 +36,7 @@ nl_catd open_catalog(char const* name) {
 // An open message catalog, or none. The texts that it hands out die with it.
 class catalog {
  public:
-  explicit catalog(char const* name)
-      : m_catalog(name != nullptr ? open_catalog(name) : none()) {}
+  explicit catalog(char const* name) : m_catalog(name != nullptr ? open_catalog(name) : none()) {}
   ~catalog() {
     if (m_catalog != none()) catclose(m_catalog);
   }

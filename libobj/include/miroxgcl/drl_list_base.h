@@ -24,7 +24,8 @@ extern template class LX_TDynamicCollection<GCL_HandleBase, LX_CUnmanaged>;
 /// A list of handles, to derive from.
 ///
 /// Conventions, costs and preconditions are those of LX_TDynamic. A list that was moved from is
-/// empty and makes itself a new collection when it is next used.
+/// empty and makes itself a new collection when it is next used: of several readers, whichever
+/// comes first makes it.
 ///
 /// As safe as the standard library's values.
 /// @ingroup strings
@@ -188,7 +189,8 @@ class MIROXGCL_API DRL_ListBase {
   mutable std::unique_ptr<Collection> m_collection;  // null only after a move
 };
 
-/// Walks a list, asking it anew at every call. A plain value; the list must outlive it.
+/// Walks a list, asking it anew at every call. A plain value, for one thread at a time; the list
+/// must outlive it.
 /// @ingroup strings
 template <class T>
 class MIROXGCL_API DRL_ListBaseActiveIterator {

@@ -17,7 +17,7 @@
 /// Copies are deep. An operation that runs out of memory throws std::bad_alloc and leaves the value
 /// as it was.
 ///
-/// As safe as the standard library's values.
+/// As safe as the standard library's values: a part that several threads ask for is made once.
 /// @ingroup identity
 class MIROXGCL_API GCL_Credentials {
  public:

@@ -23,8 +23,8 @@
 
 /// The process's debug table and its debug file.
 ///
-/// One instance for each process, at m_debug_ptr. Any number of threads may trace at once: each has a
-/// depth of its own, and lines are whole. set_levels() is for one thread, while no other traces.
+/// One instance for each process, at m_debug_ptr. Any number of threads may trace at once: each has
+/// a depth of its own, and lines are whole. set_levels() is for one thread, while no other traces.
 /// @ingroup diagnostics
 class MIROXGCL_API GCL_Debug {
  public:

@@ -15,8 +15,8 @@
 /// their start; one that ends earlier removes its
 /// own table and leaves the others in place.
 ///
-/// A severity is IMSG_INFORMATION (0), IMSG_WARNING (4) or IMSG_ERROR (6); a derived class may use 0
-/// to 10. Others are not recorded.
+/// A severity is IMSG_INFORMATION (0), IMSG_WARNING (4) or IMSG_ERROR (6); a derived class may use
+/// 0 to 10. Others are not recorded.
 ///
 /// For one thread at a time: it acts on the messages of the thread that made it.
 /// @ingroup statuses

@@ -7,6 +7,8 @@
 #include "miroxplat/stg.h"
 
 /// The body that owns a storage area.
+///
+/// As safe as the standard library's values.
 /// @ingroup resources
 class MIROXGCL_API GCL_StgAreaRep : public GCL_Body {
  public:

@@ -815,7 +815,8 @@ inline std::size_t qHash(GCL_String const& s, std::size_t seed = 0) noexcept {
 /// The same for Boost's containers.
 inline std::size_t hash_value(GCL_String const& s) noexcept { return std::hash<GCL_String>()(s); }
 
-/// Writes a string to Qt's QDebug as a `char const*` is written: up to its first NUL, without quotes.
+/// Writes a string to Qt's QDebug as a `char const*` is written: up to its first NUL, without
+/// quotes.
 template <class Debug>
 auto operator<<(Debug out, GCL_String const& s) -> decltype(Debug(out.maybeSpace())) {
   return out << s.c_str();

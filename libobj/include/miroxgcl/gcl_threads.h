@@ -59,8 +59,8 @@ inline void make_immortal(std::uint32_t& count) noexcept {
   }
 }
 
-/// What an owning pointer holds, while other threads may make it with made_once(): null, or an object
-/// that is whole.
+/// What an owning pointer holds, while other threads may make it with made_once(): null, or an
+/// object that is whole.
 template <class Owner>
 typename Owner::pointer read_made(Owner const& owner) noexcept {
   static_assert(sizeof(Owner) == sizeof(typename Owner::pointer), "a pointer and nothing else");
@@ -68,8 +68,8 @@ typename Owner::pointer read_made(Owner const& owner) noexcept {
                          __ATOMIC_ACQUIRE);
 }
 
-/// What an owning pointer holds; where that is null, an object made of `arguments`, which it keeps then.
-/// Of several threads that come at once, one stores its own and the others take that.
+/// What an owning pointer holds; where that is null, an object made of `arguments`, which it keeps
+/// then. Of several threads that come at once, one stores its own and the others take that.
 template <class Owner, class... Arguments>
 typename Owner::element_type& made_once(Owner& owner, Arguments... arguments) {
   typename Owner::pointer present = read_made(owner);

@@ -122,7 +122,8 @@ class MIROXGCL_API LX_TCollection {
 };
 
 /// Walks a collection through its virtual interface, asking it anew at every call, so that it sees
-/// what changes meanwhile. A plain value; the collection must outlive it.
+/// what changes meanwhile. A plain value, for one thread at a time; the collection
+/// must outlive it.
 /// @ingroup collections
 template <class T>
 class MIROXGCL_API LX_TCollectionActiveIterator {

@@ -47,6 +47,8 @@
 /// array, or belong to one. A slot that an item has left keeps a copy of it until it is overwritten
 /// or the slots are released, where copying cannot throw.
 ///
+/// As safe as the standard library's values, where the items and M are.
+///
 /// Items move when the array grows: a status with an open grab, for one, must not lie in an array.
 /// @ingroup collections
 template <class T, class M = LX_CUnmanaged>
@@ -198,8 +200,8 @@ class MIROXGCL_API LX_TDynamic {
   void ShrinkLeft(unsigned int p);
   /// @}
 
-  /// operator[] for the iterators, whose index is as wide as a pointer: one comparison, and no virtual
-  /// call. REQUIRES: i is an index.
+  /// operator[] for the iterators, whose index is as wide as a pointer: one comparison, and no
+  /// virtual call. REQUIRES: i is an index.
   /// @{
   T& AtIndex(std::ptrdiff_t i) { return const_cast<T&>(std::as_const(*this).AtIndex(i)); }
   T const& AtIndex(std::ptrdiff_t i) const {
@@ -330,7 +332,8 @@ class MIROXGCL_API LX_TDynamic {
   unsigned int m_stop = 0;          // position of the last item
 };
 
-/// The collection forwards to its array; see there for what each operation costs and requires.
+/// The collection made of an array. As safe as the standard library's values, where the items and M
+/// are. It forwards to its array; see there for what each operation costs and requires.
 /// @ingroup collections
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
@@ -455,8 +458,8 @@ class MIROXGCL_API LX_TDynamicCollection : public LX_TCollection<T> {
 /// @cond IMPLEMENTATION
 // --- Implementation.
 
-// For many appends: doubles the room of a list that is full, where it would grow by one chunk, and so
-// keeps their cost linear. `room` is how many items it has room for.
+// For many appends: doubles the room of a list that is full, where it would grow by one chunk, and
+// so keeps their cost linear. `room` is how many items it has room for.
 template <class List>
 void LX_DoubleWhenFull(List& list, unsigned int& room) {
   if (list.Length() == room) list.Preallocate(room *= 2);

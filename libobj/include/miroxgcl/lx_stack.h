@@ -96,8 +96,8 @@ class MIROXGCL_API LX_TStack {
   /// @}
 };
 
-/// Walks a stack from its top, asking it anew at every call. A plain value; the stack must outlive
-/// it.
+/// Walks a stack from its top, asking it anew at every call. A plain value, for one thread at a
+/// time; the stack must outlive it.
 /// @ingroup collections
 template <class T>
 class MIROXGCL_API LX_TStackActiveIterator {
@@ -132,7 +132,8 @@ class MIROXGCL_API LX_TStackActiveIterator {
   int m_index;  // -1: the stack was empty at the start
 };
 
-/// The stack forwards to its list, whose first item is the top.
+/// The stack made of a list, whose first item is the top. As safe as the standard library's values,
+/// where the items, M and the locks of a derived class are.
 /// @ingroup collections
 template <class T, class M = LX_CUnmanaged>
 class MIROXGCL_API LX_TUnboundedStack : public LX_TStack<T> {

@@ -226,8 +226,8 @@ class MIROXGCL_API LX_TUnbounded {
   Node* LookUp(unsigned int i) const;
   Node* LookUpBeside(Node* cache, unsigned int i) const;
   Node* Walk(unsigned int i) const;
-  // While there are threads, the remembered position belongs to whoever takes it, until Remember() gives
-  // it back; others find it taken.
+  // While there are threads, the remembered position belongs to whoever takes it, until Remember()
+  // gives it back; others find it taken.
   static Node* Taken() { return reinterpret_cast<Node*>(1); }
   Node* TakeCache() const {
     if (gcl_threads::is_single()) return m_cache;

@@ -21,8 +21,8 @@ extern "C" {
 /// @ingroup services
 typedef void (*imsg_redirect_proc)(void* arg, char* text);
 
-/// The slots that services use. Slot 1 is information too, 5 a warning, 7 an error; 2, 3, 8, 9 and 10
-/// are other kinds.
+/// The slots that services use. Slot 1 is information too, 5 a warning, 7 an error; 2, 3, 8, 9 and
+/// 10 are other kinds.
 /// @ingroup services
 enum { IMSG_INFORMATION = 0, IMSG_WARNING = 4, IMSG_ERROR = 6 };
 
