@@ -39,7 +39,7 @@ class Stack {
   static constexpr unsigned int few = 4;
 
   bool grow() {
-    auto* const more = new (std::nothrow) redirect_context[2 * m_capacity];
+    auto* const more = new (std::nothrow) redirect_context[std::size_t{2} * m_capacity];
     if (more == nullptr) return false;
     std::copy(begin(), end(), more);
     if (m_items != m_first) delete[] m_items;

@@ -17,10 +17,8 @@ class LX_CTime {
   /// The time, and its replacement.
   /// @{
   long time() const noexcept { return m_time; }
-  void setTime(long time) noexcept {
-    m_time = time;
-  }  // NOLINT(readability-identifier-naming)
-     /// @}
+  void setTime(long time) noexcept { m_time = time; }
+  /// @}
 
  protected:
   long m_time = 0;  ///< seconds since 1970 UTC
