@@ -44,6 +44,11 @@ void copy_bytes(char* dest, char const* src, std::size_t n) {
 
 char const GCL_String::m_empty_text[1] = "";
 
+// A body of the first `n` bytes, null for none.
+GCL_StringRep* GCL_String::copy_of(char const* s, unsigned int n) {
+  return n != 0 ? GCL_StringRep::make(n, 0, s) : nullptr;
+}
+
 GCL_String::GCL_String(GCL_String const& s, unsigned int n) {
   if (n == npos) {
     *this = s;
@@ -52,18 +57,13 @@ GCL_String::GCL_String(GCL_String const& s, unsigned int n) {
   }
 }
 
-GCL_String::GCL_String(char const* s, unsigned int n) {
-  n = count_in(s, n);
-  if (n != 0) set_rep(GCL_StringRep::make(n, 0, s));
-}
+GCL_String::GCL_String(char const* s, unsigned int n) : GCL_Handle(copy_of(s, count_in(s, n))) {}
 
 GCL_String::GCL_String(unsigned char const* s, unsigned int n)
     : GCL_String(reinterpret_cast<char const*>(s), n) {}
 
-GCL_String::GCL_String(std::string_view s) {
-  unsigned int const n = GCL_StringRep::checked_length(s.size());
-  if (n != 0) set_rep(GCL_StringRep::make(n, 0, s.data()));
-}
+GCL_String::GCL_String(std::string_view s)
+    : GCL_Handle(copy_of(s.data(), GCL_StringRep::checked_length(s.size()))) {}
 
 GCL_String::GCL_String(char c, unsigned int count) {
   if (count == 0) return;
@@ -84,7 +84,7 @@ unsigned int GCL_String::copy(char* dest, unsigned int n, unsigned int pos) cons
 GCL_String GCL_String::substr(unsigned int pos, unsigned int n) const {
   require_position(pos, "GCL_String::substr");
   unsigned int const count = clamp(n, pos, length());
-  return count == 0 ? GCL_String() : GCL_String(c_str() + pos, count);
+  return count == 0 ? GCL_String() : GCL_String(bytes() + pos, count);
 }
 
 GCL_String& GCL_String::assign(GCL_String const& s, unsigned int n) {

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <utility>
 
+#include "capacity.h"
 #include "miroxgcl/gcl_string.h"
 #include "miroxplat/imsg.h"
 

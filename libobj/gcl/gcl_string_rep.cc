@@ -1,11 +1,11 @@
 #include "miroxgcl/gcl_string_rep.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
 
+#include "capacity.h"
 #include "miroxplat/strutl.h"
 
 GCL_StringRep* GCL_StringRep::m_null_instance = nullptr;
@@ -24,17 +24,6 @@ unsigned int little_endian_word(char const* p) {
 
 }  // namespace
 
-unsigned int GCL_StringRep::capacity_for(unsigned int n) {
-  unsigned int const grown = n <= 63 ? 2 * n : n <= 255 ? n + n / 2 : n + n / 4;
-  unsigned int const at_least = grown < 8 ? 8 : grown;
-  return at_least < n ? n : at_least;  // the sum wrapped
-}
-
-// Checks the length first: near 2^32 the room for its terminator would wrap to 0.
-unsigned int GCL_StringRep::capacity_of(unsigned int length, unsigned int reserve) {
-  return capacity_for(reserve > length ? reserve : checked_length(length) + 1);
-}
-
 GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int reserve, char const* text)
     : m_length(length),
       m_capacity(capacity_of(length, reserve)),
@@ -45,7 +34,7 @@ GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int reserve, char con
 
 GCL_StringRep::GCL_StringRep(unsigned int length, unsigned int capacity) noexcept
     : m_length(length), m_capacity(capacity), m_buffer(following_bytes()) {
-  set_length(length);
+  following_bytes()[length] = '\0';
 }
 
 GCL_StringRep* GCL_StringRep::make(unsigned int length, unsigned int reserve, char const* text) {
@@ -54,7 +43,7 @@ GCL_StringRep* GCL_StringRep::make(unsigned int length, unsigned int reserve, ch
   if (size < capacity) throw std::bad_alloc();  // the sum wrapped
   void* const block = ::operator new(size);
   auto* const rep = ::new (block) GCL_StringRep(length, capacity);
-  if (text != nullptr) std::memcpy(rep->m_buffer, text, length);
+  if (text != nullptr) std::memcpy(rep->following_bytes(), text, length);
   return rep;
 }
 
@@ -71,34 +60,6 @@ bool GCL_StringRep::operator==(GCL_Body const* other) const {
   if (other == nullptr) return m_length == 0;
   auto const& rep = static_cast<GCL_StringRep const&>(*other);
   return m_length == rep.m_length && std::memcmp(m_buffer, rep.m_buffer, m_length) == 0;
-}
-
-GCL_StringRep::CapacityForecast::CapacityForecast(GCL_StringRep const* rep)
-    : length(rep != nullptr ? rep->m_length : 0),
-      capacity(rep != nullptr && rep->reference_count() <= 1 ? rep->m_capacity : 0),
-      reserve(0) {}
-
-void GCL_StringRep::CapacityForecast::add_shortening(unsigned int room) {
-  if (capacity != 0) return;
-  reserve = room;
-  capacity = capacity_for(room);
-}
-
-void GCL_StringRep::CapacityForecast::add_appends(unsigned int step, unsigned int count) {
-  while (count != 0) {
-    unsigned int const room = length < capacity ? capacity - 1 - length : 0;
-    if (std::uint64_t{step} * count <= room) {
-      length += step * count;
-      return;
-    }
-    unsigned int const fit = room < step ? 0 : room / step;  // fewer than count
-    length += fit * step;
-    count -= fit;
-    length += step;
-    --count;
-    reserve = length;
-    capacity = capacity_for(length);
-  }
 }
 
 unsigned int GCL_StringRep::hash() const {

@@ -14,6 +14,7 @@
 #include <streambuf>
 #include <utility>
 
+#include "capacity.h"
 #include "miroxgcl/gcl_string.h"
 
 namespace {
@@ -25,6 +26,22 @@ constexpr int end_of_input = std::char_traits<char>::eof();
 
 // No locale counts printable ASCII as whitespace; the rest it is asked for.
 bool is_space(unsigned char c) { return (c <= ' ' || c > '~') && std::isspace(c) != 0; }
+
+char const* find_space(char const* p, char const* end) {
+  while (p != end && !is_space(static_cast<unsigned char>(*p))) ++p;
+  return p;
+}
+
+// As `is >> std::ws`, which looks up the stream's facet anew each time, where a sentry has it at
+// hand. What a stream does that throws, or flushes another, depends on the order of its steps.
+void skip_space(std::istream& is) {
+  if (is.exceptions() != std::ios_base::goodbit || is.tie() != nullptr) {
+    is >> std::ws;
+    return;
+  }
+  std::istream::sentry const skipped(is, false);
+  if (is.bad()) is.clear(std::ios_base::badbit);  // std::ws says no more of a buffer that threw
+}
 
 // What a stream's buffer holds, without asking its source for more.
 class GetArea : private std::streambuf {
@@ -49,6 +66,33 @@ class GetArea : private std::streambuf {
 class GCL_String::Input {
  public:
   explicit Input(GCL_String& s) : m_string(s), m_spare(std::move(s)) {}
+
+  // Takes a text of one byte at least up to `end`, and that too, where nothing is to be built for
+  // it or waited for: the stream holds all of it, and the body that the string has is the one that
+  // it would get.
+  static bool take_in_place(std::istream& is, GCL_String& s, char end) {
+    if (!is.good() || is.tie() != nullptr || !s.may_change_in_place(0)) return false;
+    std::streambuf& buffer = *is.rdbuf();
+    char const* const begin = GetArea::begin(buffer);
+    std::size_t const held = GetArea::size(buffer);
+    if (held == 0) return false;
+    auto const* const found = static_cast<char const*>(std::memchr(begin, end, held));
+    if (found == nullptr || found == begin) return false;
+    auto const length = static_cast<unsigned int>(found - begin);
+    GCL_StringRep::CapacityForecast forecast(nullptr);
+    add_chunks(forecast, length);
+    if (forecast.capacity != s.body()->m_capacity) return false;
+    std::memmove(s.body()->m_buffer, begin, length);
+    s.body()->set_length(length);
+    GetArea::skip(buffer, length + 1);
+    return true;
+  }
+
+  // Forecasts the appends that make up `n` bytes.
+  static void add_chunks(GCL_StringRep::CapacityForecast& forecast, unsigned int n) {
+    forecast.add_appends(chunk_size, n / chunk_size);
+    if (n % chunk_size != 0) forecast.add_appends(n % chunk_size, 1);
+  }
 
   // Takes characters up to one that `find_end(begin, end)` finds, and that one too if `takes_end`.
   // What was taken is in the string, even when memory ends or the stream throws.
@@ -80,7 +124,12 @@ class GCL_String::Input {
                              ? take_held(buffer, find_end)
                              : take_single(is, static_cast<char>(next), find_end);
       if (!found) continue;
-      if (takes_end) ask(is, &std::streambuf::sbumpc);
+      if (!takes_end) return true;
+      if (GetArea::size(buffer) != 0) {
+        GetArea::skip(buffer, 1);
+      } else {
+        ask(is, &std::streambuf::sbumpc);
+      }
       return true;
     }
   }
@@ -92,7 +141,12 @@ class GCL_String::Input {
     std::size_t const held = GetArea::size(buffer);
     auto const length = static_cast<unsigned int>(find_end(begin, begin + held) - begin);
     bool const found = length != held;
-    take(buffer, length, found);
+    if (found && m_used == 0) {  // the rest of the text, or all of it
+      m_string.append_in_chunks(begin, length, m_spare);
+      GetArea::skip(buffer, length);
+    } else {
+      take(buffer, length, found);
+    }
     return found;
   }
 
@@ -153,6 +207,7 @@ class GCL_String::Input {
   // Appends what is held. A whole chunk takes the spare body; fewer bytes may need a
   // smaller one, and take that body only when there is no memory for their own.
   void flush() noexcept {
+    if (m_used == 0) return;
     unsigned int const n = std::exchange(m_used, 0u);
     if (n == chunk_size && m_next.body() != nullptr) m_spare = std::move(m_next);
     try {
@@ -188,13 +243,11 @@ void GCL_String::append_in_chunks(char const* data, unsigned int n, GCL_String& 
   unsigned int const old_length = length();
   unsigned int const new_length = GCL_StringRep::checked_length(std::uint64_t{old_length} + n);
   GCL_StringRep::CapacityForecast forecast(body());
-  forecast.add_appends(chunk_size, n / chunk_size);
-  unsigned int const rest = n % chunk_size;
-  if (rest != 0) forecast.add_appends(rest, 1);
+  Input::add_chunks(forecast, n);
   if (forecast.needs_new_body()) {
     GCL_String fresh = with_body(forecast.reserve, spare);
-    std::memcpy(fresh.body()->m_buffer, c_str(), old_length);
-    *this = std::move(fresh);
+    if (old_length != 0) std::memcpy(fresh.body()->m_buffer, bytes(), old_length);
+    swap(fresh);
   }
   std::memcpy(body()->m_buffer + old_length, data, n);
   body()->set_length(new_length);
@@ -207,6 +260,7 @@ std::ostream& operator<<(std::ostream& os, GCL_String const& s) {
 void PrintTo(GCL_String const& s, std::ostream* os) { *os << '"' << s << '"'; }
 
 std::istream& getline(std::istream& is, GCL_String& s, char delim) {
+  if (GCL_String::Input::take_in_place(is, s, delim)) return is;
   GCL_String::Input input(s);
   if (is.good()) {
     input.read(is, true, [delim](char const* begin, char const* end) {
@@ -222,11 +276,9 @@ std::istream& getline(std::istream& is, GCL_String& s, char delim) {
 
 std::istream& operator>>(std::istream& is, GCL_String& s) {
   GCL_String::Input input(s);
-  if (is.good() && (is.flags() & std::ios_base::skipws) != 0) is >> std::ws;
+  if (is.good() && (is.flags() & std::ios_base::skipws) != 0) skip_space(is);
   if (is.good()) {
-    input.read(is, false, [](char const* begin, char const* end) {
-      return std::find_if(begin, end, [](unsigned char c) { return is_space(c); });
-    });
+    input.read(is, false, find_space);
   } else if (!is.fail()) {
     is.setstate(std::ios_base::failbit);
   }

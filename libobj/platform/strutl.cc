@@ -78,7 +78,7 @@ inline bool is_whole(char const* text, char const* p, std::size_t length) {
   return is_boundary(text, p) && is_boundary(text, p + length);
 }
 
-// The occurrences behind one that was refused: see find_whole().
+// The occurrences behind one that was refused: see find_whole_text().
 //
 // Linear: two occurrences either lie at least half the pattern's length apart, which pays for a new
 // search, or one period, which is all that is compared to find the second.
@@ -97,12 +97,18 @@ char const* find_next_whole(char const* text, char const* refused, char const* p
 
 // The first occurrence of `pattern` in `text`, at or after `from`, that is made of whole
 // characters; null if there is none. Only a pattern that is malformed at an end is ever refused.
-inline char const* find_whole(char const* text, char const* from, char const* pattern) {
+char const* find_whole_text(char const* text, char const* from, char const* pattern) {
   std::size_t const length = std::strlen(pattern);
   if (length == 0) return nullptr;
   char const* const found = find_bytes(from, pattern, length);
   if (found == nullptr || is_whole(text, found, length)) return found;
   return find_next_whole(text, found, pattern, length);
+}
+
+// The same, sooner for an ASCII character, which is whole wherever it stands.
+inline char const* find_whole(char const* text, char const* from, char const* pattern) {
+  bool const is_character = pattern[0] != '\0' && to_byte(pattern[0]) < 0x80 && pattern[1] == '\0';
+  return is_character ? std::strchr(from, pattern[0]) : find_whole_text(text, from, pattern);
 }
 
 // Where a character of a set occurs in the text and in the set; both null when none does.

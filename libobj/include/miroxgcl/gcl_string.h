@@ -663,6 +663,7 @@ class MIROXGCL_API GCL_String : public GCL_Handle<GCL_StringRep> {
   friend MIROXGCL_API std::istream& getline(std::istream& is, GCL_String& s, char delim);
   class MIROXGCL_LOCAL Input;
 
+  MIROXGCL_LOCAL static GCL_StringRep* copy_of(char const* s, unsigned int n);
   MIROXGCL_LOCAL GCL_String& do_replace(unsigned int pos, unsigned int n, char const* src,
                                         unsigned int srclen);
   MIROXGCL_LOCAL GCL_String& assign_bytes(char const* s, unsigned int n);

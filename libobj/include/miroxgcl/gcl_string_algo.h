@@ -6,6 +6,7 @@
 #ifndef MIROXGCL_GCL_STRING_ALGO_H
 #define MIROXGCL_GCL_STRING_ALGO_H
 
+#include <cstdint>
 #include <string_view>
 #include <type_traits>
 
@@ -71,9 +72,15 @@ GCL_StringList split(String const& s, std::string_view separator) {
 /// @ingroup strings
 template <class List, GCL_IfStringList<List> = 0>
 GCL_String join(List const& items, std::string_view separator) {
+  std::uint64_t length = 0;
+  for (GCL_String const& item : items) length += item.length() + separator.size();
+  if (length == 0) return GCL_String();
   GCL_String text;
+  text.reserve(length - separator.size());
+  bool is_first = true;
   for (GCL_String const& item : items) {
-    if (&item != &items.First()) text.append(separator);
+    if (!is_first) text.append(separator);
+    is_first = false;
     text.append(item);
   }
   return text;

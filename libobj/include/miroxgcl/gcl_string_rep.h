@@ -6,6 +6,7 @@
 #define MIROXGCL_GCL_STRING_REP_H
 
 #include <cstddef>
+#include <cstdint>
 
 #include "miroxgcl/gcl_body.h"
 
