@@ -12,13 +12,12 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstddef>
-#include <functional>
 #include <string>
 
 #include "keep.h"
 
-enum class Clock { cpu, wall };  // the wall's where several threads work
+// Which clock measures a row: the thread's CPU time, or the wall's where there are several threads.
+enum class Clock { cpu, wall };
 
 // What it runs is named "row|reach|ours" or "row|reach|peer", which report.py takes apart.
 class Row {
@@ -32,9 +31,8 @@ class Row {
   // A peer without loop is not on this machine.
   Row const& peer(std::string const& peer, Loop loop) const {
     if (loop == nullptr) return *this;
-    benchmark::internal::Benchmark* const run = benchmark::RegisterBenchmark(
+    auto* const run = benchmark::RegisterBenchmark(
         (m_name + peer).c_str(), [loop, batch = m_batch](benchmark::State& state) {
-          loop(0);  // makes what it works on, once and unmeasured
           while (state.KeepRunningBatch(batch)) loop(batch);
         });
     if (m_clock == Clock::wall) run->UseRealTime();
@@ -47,24 +45,30 @@ class Row {
   Clock m_clock;
 };
 
-// A row of bytes instead of time, which each of `measure` answers.
-class ByteRow {
+// A row of bytes instead of time, for values of `size`: reported as so many nanoseconds.
+class MemoryRow {
  public:
-  using Measure = std::function<std::size_t()>;
+  using Measure = double (*)(int size);
 
-  ByteRow(std::string const& name, std::string const& reach) : m_name(name + '|' + reach + '|') {}
+  MemoryRow(std::string const& name, std::string const& reach, int size)
+      : m_name(name + '|' + reach + '|'), m_size(size) {}
 
-  void ours(Measure const& measure) const { peer("ours", measure); }
-  void peer(std::string const& peer, Measure const& measure) const {
-    benchmark::RegisterBenchmark((m_name + peer).c_str(), [measure](benchmark::State& state) {
-      for ([[maybe_unused]] auto round : state) {
-      }
-      state.counters["bytes"] = static_cast<double>(measure());
-    });
+  MemoryRow const& ours(Measure measure) const { return peer("ours", measure); }
+  MemoryRow const& peer(std::string const& peer, Measure measure) const {
+    if (measure == nullptr) return *this;
+    benchmark::RegisterBenchmark((m_name + peer).c_str(),
+                                 [measure, size = m_size](benchmark::State& state) {
+                                   for (auto _ : state)
+                                     state.SetIterationTime(measure(size) * 1e-9);
+                                 })
+        ->UseManualTime()
+        ->Iterations(1);
+    return *this;
   }
 
  private:
   std::string m_name;
+  int m_size;
 };
 
 inline int run_rows(int argc, char** argv) {

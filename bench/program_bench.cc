@@ -1,235 +1,250 @@
-// Whole programs: thousands of strings at once, beside the standard library's two strings and Qt's;
-// thousands of statuses; and walks over an array by the standard library's means.
-#include <malloc.h>
-
+// Programs that hold thousands of strings, lists or statuses, ours beside the peers.
 #include <algorithm>
-#include <climits>
-#include <cstdlib>
+#include <cstdio>
 #include <deque>
-#include <iterator>
-#include <random>
+#include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "compare.h"
-#include "cow_program.h"
-#include "miroxgcl/gcl_status.h"
-#include "miroxgcl/gcl_string.h"
-#include "miroxgcl/gcl_string_algo.h"
-#include "miroxgcl/lx_dynamic.h"
+#include "cow_string.h"
+#include "miroxgcl/gcl.h"
 #include "program_loops.h"
 #include "qt.h"
 
+using namespace program;
+
 template <>
-struct Texts<GCL_String> {
-  static GCL_String make(std::string_view text) { return GCL_String(text.data(), text.size()); }
-  static unsigned int find(GCL_String const& s, char c, unsigned int pos) { return s.find(c, pos); }
-  static bool is_found(unsigned int pos) { return pos != GCL_String::npos; }
-  static GCL_String part(GCL_String const& s, unsigned int pos, unsigned int n) {
-    return s.substr(pos, n);
+struct program::Texts<GCL_String> {
+  static std::size_t find(GCL_String const& s, char c, std::size_t pos) {
+    return s.find(c, static_cast<unsigned int>(pos));
   }
-  static bool contains(GCL_String const& s, char const* sought) { return s.contains(sought); }
+  static bool has(GCL_String const& s, char const* literal) {
+    return s.find(literal) != GCL_String::npos;
+  }
+  static GCL_String piece(GCL_String const& s, std::size_t pos, std::size_t n) {
+    return s.substr(static_cast<unsigned int>(pos), static_cast<unsigned int>(n));
+  }
   static GCL_StringList split(GCL_String const& s, char separator) {
-    return ::split(s, std::string_view(&separator, 1));
+    return ::split(s, {&separator, 1});
   }
-  static GCL_String join(GCL_StringList const& fields, char separator) {
-    return ::join(fields, std::string_view(&separator, 1));
+  static GCL_String join(GCL_StringList const& pieces, char separator) {
+    return ::join(pieces, {&separator, 1});
   }
 };
 
 #ifdef HAS_QT
 template <>
-struct Texts<QByteArray> {
-  static QByteArray make(std::string_view text) {
-    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+struct program::Texts<QByteArray> {
+  static std::size_t find(QByteArray const& s, char c, std::size_t pos) {
+    return static_cast<std::size_t>(s.indexOf(c, static_cast<qsizetype>(pos)));
   }
-  static qsizetype find(QByteArray const& s, char c, qsizetype pos) { return s.indexOf(c, pos); }
-  static bool is_found(qsizetype pos) { return pos >= 0; }
-  static QByteArray part(QByteArray const& s, qsizetype pos, qsizetype n) { return s.mid(pos, n); }
-  static bool contains(QByteArray const& s, char const* sought) { return s.contains(sought); }
-  static QList<QByteArray> split(QByteArray const& s, char separator) { return s.split(separator); }
-  static QByteArray join(QList<QByteArray> const& fields, char separator) {
-    return fields.join(separator);
+  static bool has(QByteArray const& s, char const* literal) { return s.indexOf(literal) != -1; }
+  static QByteArray piece(QByteArray const& s, std::size_t pos, std::size_t n) {
+    return s.mid(static_cast<qsizetype>(pos), static_cast<qsizetype>(n));
+  }
+  static QByteArrayList split(QByteArray const& s, char separator) { return s.split(separator); }
+  static QByteArray join(QByteArrayList const& pieces, char separator) {
+    return pieces.join(separator);
   }
 };
 #endif
 
 namespace {
 
-// The library's programs and the peers'.
-struct Contest {
-  Programs ours = programs<GCL_String>();
-  Programs cow = cow::programs();
-  Programs roomy = cow::programs_in_our_blocks();
-  Programs standard = programs<std::string>();
-#ifdef HAS_QT
-  Programs qt = programs_without_streams<QByteArray>();
-#else
-  Programs qt = {};
-#endif
+template <class S>
+using unordered_counts = std::unordered_map<S, int>;
+template <class S>
+using ordered_counts = std::map<S, int>;
 
-  void row(std::string const& name, std::string const& reach, Loop Programs::*loop) const {
-    Row(name, reach, 1)
-        .ours(ours.*loop)
-        .peer("CoW string", cow.*loop)
-        .peer("CoW string in our blocks", roomy.*loop)
-        .peer("std::string", standard.*loop)
-        .peer("QByteArray", qt.*loop);
-  }
-};
-
-// What the growth rule and the allocator make of a string of ours, without anything besides.
-template <unsigned int length>
-std::size_t least_memory() {
-  std::size_t const capacity = GCL_String('x', length).capacity() + 1u;
-  void* const block = std::malloc(sizeof(GCL_StringRep) + capacity);
-  std::size_t const size = malloc_usable_size(block) + sizeof(std::size_t);  // and its header
-  std::free(block);
-  return sizeof(GCL_String) + size;
-}
-
-template <unsigned int length>
-void register_memory(Contest const& all) {
-  ByteRow const row("memory of a string of " + std::to_string(length) + " bytes",
-                    "body + capacity + allocator <= 1");
-  row.ours([=] { return all.ours.memory_of(length); });
-  row.peer("body + capacity + allocator", least_memory<length>);
-  row.peer("CoW string", [=] { return all.cow.memory_of(length); });
-  row.peer("std::string", [=] { return all.standard.memory_of(length); });
-  if (all.qt.memory_of != nullptr) {
-    row.peer("QByteArray", [=] { return all.qt.memory_of(length); });
-  }
-}
-
-void register_strings() {
-  Contest const all;
-  std::string const reach = "CoW string, QByteArray <= 1";
-  all.row("count 2,000,000 words in an unordered_map", reach, &Programs::count_hashed);
-  all.row("count 2,000,000 words in a map", reach, &Programs::count_ordered);
-  all.row("sort 500,000 strings", reach, &Programs::sort);
-  all.row("build and drop 500,000 of 40 bytes", "CoW string, QByteArray <= 1.3",
-          &Programs::build_and_drop);
-  all.row("copy and drop 500,000", reach, &Programs::copy_and_drop);
-  all.row("join five parts with +, 500,000 times", reach, &Programs::join_five);
-  all.row("read 17 MB of text by getline", "std::string <= 1.25", &Programs::read_lines);
-  all.row("read 2,000,000 words by >>", "std::string <= 1.25", &Programs::read_words);
-  all.row("2,000,000 tokens by find and substr", reach, &Programs::tokens);
-  all.row("split and join 100 MB of CSV", reach, &Programs::split_and_join);
-  all.row("find a literal in 200,000 lines", reach, &Programs::find_in_lines);
-  register_memory<10>(all);
-  register_memory<40>(all);
-  register_memory<200>(all);
-}
-
-// What a program has that knows no class of statuses.
-struct PlainStatus {
-  int code = 0;
-  std::vector<std::string> messages;
-};
-
-constexpr char const* message = "The user nobody-here does not exist.";
-
-void fail(GCL_Status& status) {
-  status.set(GCL_Status::no_such_name);
-  status.add_message(message);
-}
-
-void fail(PlainStatus& status) {
-  status.code = 2;
-  status.messages.emplace_back(message);
-}
-
-template <class Status>
-void fail_often(long rounds) {
-  for (long i = 0; i < rounds; ++i) {
-    std::vector<Status> all(100'000);
-    for (Status& status : all) fail(status);
-    keep(all);
-  }
-}
-
-std::vector<int> const& random_numbers() {
-  static std::vector<int> const all = [] {
-    std::mt19937 random(7);
-    std::vector<int> result(1'000'000);
-    for (int& n : result) n = static_cast<int>(random() >> 1);
-    return result;
+// A file of 20 MB, in lines of 10 words.
+std::string const& file_of_words() {
+  static std::string const name = [] {
+    std::string const path = "miroxgcl_program_bench.tmp";
+    std::ofstream out(path);
+    Numbers random;
+    for (int n = 0; n < 3'000'000; ++n) {
+      unsigned int const word = random.below(5000);
+      out.write(letters(word * 2), 3 + word % 8);
+      out.put(n % 10 == 9 ? '\n' : ' ');
+    }
+    return path;
   }();
-  return all;
+  return name;
 }
 
-using Ours = LX_TDynamic<int>;
+template <class S>
+void read_by_lines(long rounds) {
+  for (long i = 0; i < rounds; ++i) {
+    std::ifstream in(file_of_words());
+    std::size_t bytes = 0;
+    for (S line; getline(in, line);) bytes += line.size();
+    keep(bytes);
+  }
+}
 
-void preallocate(Ours& array, unsigned int n) { array.Preallocate(n); }
-void preallocate(std::deque<int>&, unsigned int) {}  // knows nothing of the kind
+template <class S>
+void read_by_words(long rounds) {
+  for (long i = 0; i < rounds; ++i) {
+    std::ifstream in(file_of_words());
+    std::size_t bytes = 0;
+    for (S word; in >> word;) bytes += word.size();
+    keep(bytes);
+  }
+}
 
-template <class Array, int count>
-Array filled() {
+// What a status amounts to, made of the standard library.
+struct standard_status {
+  int value = 0;
+  std::vector<std::string> messages;
+  void set(int code) { value = code; }
+  void add_message(std::string const& text) { messages.push_back(text); }
+};
+
+template <class Status, class S>
+void make_statuses(long rounds) {
+  S const message("the file is not where it was yesterday");
+  for (long i = 0; i < rounds; ++i) {
+    std::vector<Status> statuses(100'000);
+    for (Status& status : statuses) {
+      status.set(1);
+      status.add_message(message);
+    }
+    keep(statuses);
+  }
+}
+
+template <class Array>
+Array numbers(int count) {
   Array array;
-  preallocate(array, count);
-  std::copy_n(random_numbers().begin(), count, std::back_inserter(array));
+  for (int n = 0; n < count; ++n) array.push_back(n);
   return array;
 }
 
-template <class Array, int count>
-void sum(long rounds) {
-  static Array const array = filled<Array, count>();
+LX_TDynamic<int> our_numbers(int count) {
+  LX_TDynamic<int> array(1);
+  array.Preallocate(static_cast<unsigned int>(count));
+  for (int n = 0; n < count; ++n) array.Append(n);
+  return array;
+}
+
+template <class Array, Array make(int), int count>
+void sum_numbers(long rounds) {
+  static Array const array = make(count);
   for (long i = 0; i < rounds; ++i) {
-    int total = 0;
-    for (int item : array) total ^= item;
-    keep(total);
+    int sum = 0;
+    for (int number : array) sum ^= number;
+    keep(sum);
   }
 }
 
-// Other numbers each time, so that the processor cannot learn their order.
-template <class Array, int count>
-void sort(long rounds) {
-  static Array array = filled<Array, count>();
+template <class Array, Array make(int), int count>
+void find_number(long rounds) {
+  static Array const array = make(count);
   for (long i = 0; i < rounds; ++i) {
-    long const from = i * count % static_cast<long>(random_numbers().size());
-    std::copy_n(random_numbers().begin() + from, count, array.begin());
+    bool const found = std::find(array.begin(), array.end(), -1) != array.end();
+    keep(found);
+  }
+}
+
+template <class Array, Array make(int), int count>
+void sort_numbers(long rounds) {
+  Array array = make(count);
+  Numbers random;
+  for (long i = 0; i < rounds; ++i) {
+    for (int& number : array) number = static_cast<int>(random.below(1u << 24));
     std::sort(array.begin(), array.end());
     keep(array);
   }
 }
 
-// The number sought stands nowhere.
-template <class Array, int count>
-void find(long rounds) {
-  static Array const array = filled<Array, count>();
-  for (long i = 0; i < rounds; ++i) {
-    auto found = std::find(array.begin(), array.end(), -1);
-    keep(found);
-  }
-}
-
 template <int count>
-void register_walks(std::string const& size) {
-  constexpr long batch = count == 1000 ? 100 : 1;
-  std::string const reach = "std::deque <= 1.2";
-  Row("array: sum " + size + " by range-for", reach, batch)
-      .ours(sum<Ours, count>)
-      .peer("std::deque", sum<std::deque<int>, count>);
-  Row("array: sort " + size, reach, batch)
-      .ours(sort<Ours, count>)
-      .peer("std::deque", sort<std::deque<int>, count>);
-  Row("array: find in " + size, reach, batch)
-      .ours(find<Ours, count>)
-      .peer("std::deque", find<std::deque<int>, count>);
+void add_walks(char const* size) {
+  using Deque = std::deque<int>;
+  using Ours = LX_TDynamic<int>;
+  std::string const suffix = std::string(" ") + size + " numbers";
+  long const batch = std::max(1, 100'000 / count);
+  Row("walk" + suffix, "std::deque <= 1.2", batch)
+      .ours(sum_numbers<Ours, our_numbers, count>)
+      .peer("std::deque", sum_numbers<Deque, numbers<Deque>, count>);
+  Row("find in" + suffix, "std::deque <= 1.2", batch)
+      .ours(find_number<Ours, our_numbers, count>)
+      .peer("std::deque", find_number<Deque, numbers<Deque>, count>);
+  Row("sort" + suffix, "std::deque <= 1.2", batch)
+      .ours(sort_numbers<Ours, our_numbers, count>)
+      .peer("std::deque", sort_numbers<Deque, numbers<Deque>, count>);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  // Memory once had stays with the process: what the kernel takes for pages depends on the order of
-  // the rows.
-  mallopt(M_TRIM_THRESHOLD, INT_MAX);
-  mallopt(M_MMAP_THRESHOLD, 1 << 25);
-  register_strings();
-  Row("100,000 statuses with a message each", "code and std::vector of std::string <= 1", 1)
-      .ours(fail_often<GCL_Status>)
-      .peer("code and std::vector of std::string", fail_often<PlainStatus>);
-  register_walks<1000>("1,000");
-  register_walks<1'000'000>("1,000,000");
-  return run_rows(argc, argv);
+  char const* const shared = "CoW string, QByteArray <= 1";
+  Row("count 2,000,000 words, unordered_map", shared, 1)
+      .ours(count_words<GCL_String, unordered_counts<GCL_String>>)
+      .peer("CoW string", cow::count_words)
+      .peer("std::string", count_words<std::string, unordered_counts<std::string>>)
+      .peer("QByteArray", QT(count_words<QByteArray, unordered_counts<QByteArray>>));
+  Row("count 2,000,000 words, map", shared, 1)
+      .ours(count_words<GCL_String, ordered_counts<GCL_String>>)
+      .peer("CoW string", cow::count_words_in_order)
+      .peer("std::string", count_words<std::string, ordered_counts<std::string>>)
+      .peer("QByteArray", QT(count_words<QByteArray, ordered_counts<QByteArray>>));
+  Row("sort 500,000 strings", shared, 1)
+      .ours(sort_strings<GCL_String>)
+      .peer("CoW string", cow::sort_strings)
+      .peer("std::string", sort_strings<std::string>)
+      .peer("QByteArray", QT(sort_strings<QByteArray>));
+  Row("build 500,000 strings of 40 bytes", "CoW string, QByteArray <= 1.3", 1)
+      .ours(build_strings<GCL_String>)
+      .peer("CoW string", cow::build_strings)
+      .peer("std::string", build_strings<std::string>)
+      .peer("QByteArray", QT(build_strings<QByteArray>));
+  Row("copy and drop 500,000 strings", shared, 1)
+      .ours(copy_and_drop_strings<GCL_String>)
+      .peer("CoW string", cow::copy_and_drop_strings)
+      .peer("std::string", copy_and_drop_strings<std::string>)
+      .peer("QByteArray", QT(copy_and_drop_strings<QByteArray>));
+  Row("join five parts 100,000 times", shared, 1)
+      .ours(join_five_parts<GCL_String>)
+      .peer("CoW string", cow::join_five_parts)
+      .peer("std::string", join_five_parts<std::string>)
+      .peer("QByteArray", QT(join_five_parts<QByteArray>));
+  Row("100,000 tokens by find and substr", shared, 1)
+      .ours(take_tokens<GCL_String>)
+      .peer("CoW string", cow::take_tokens)
+      .peer("std::string", take_tokens<std::string>)
+      .peer("QByteArray", QT(take_tokens<QByteArray>));
+  Row("split and join 100 MB in lines", shared, 1)
+      .ours(split_and_join_lines<GCL_String>)
+      .peer("CoW string", cow::split_and_join_lines)
+      .peer("std::string", split_and_join_lines<std::string>)
+      .peer("QByteArray", QT(split_and_join_lines<QByteArray>));
+  Row("a literal in 200,000 lines", shared, 1)
+      .ours(find_literal_in_lines<GCL_String>)
+      .peer("CoW string", cow::find_literal_in_lines)
+      .peer("std::string", find_literal_in_lines<std::string>)
+      .peer("QByteArray", QT(find_literal_in_lines<QByteArray>));
+  Row("read 20 MB by getline", "std::string <= 1.25", 1)
+      .ours(read_by_lines<GCL_String>)
+      .peer("std::string", read_by_lines<std::string>);
+  Row("read 20 MB by >>", "std::string <= 1.25", 1)
+      .ours(read_by_words<GCL_String>)
+      .peer("std::string", read_by_words<std::string>);
+  Row("100,000 statuses with a message each", "int and vector of std::string <= 1", 1)
+      .ours(make_statuses<GCL_Status, GCL_String>)
+      .peer("int and vector of std::string", make_statuses<standard_status, std::string>);
+  add_walks<1000>("1,000");
+  add_walks<1'000'000>("1,000,000");
+  for (int const size : {10, 40, 200}) {
+    MemoryRow("memory of a string of " + std::to_string(size) + " bytes",
+              "CoW string, QByteArray <= 1.5", size)
+        .ours(memory_of_one<GCL_String>)
+        .peer("CoW string", cow::memory_of_one)
+        .peer("std::string", memory_of_one<std::string>)
+        .peer("QByteArray", QT(memory_of_one<QByteArray>));
+  }
+  int const code = run_rows(argc, argv);
+  std::remove("miroxgcl_program_bench.tmp");
+  return code;
 }

@@ -1,4 +1,4 @@
-// What programs do with thousands of strings of a class S, one loop each.
+// What whole programs do with thousands of strings of a class S, one loop each.
 #ifndef MIROXGCL_BENCH_PROGRAM_LOOPS_H
 #define MIROXGCL_BENCH_PROGRAM_LOOPS_H
 
@@ -6,226 +6,192 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <fstream>
+#include <cstring>
 #include <map>
 #include <string>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "keep.h"
-#include "program_text.h"
 
-// What one string class does: loops, so that a source with the older std::string can hand its own to
-// another. A null loop says that the class has nothing of the kind.
-struct Programs {
-  Loop count_hashed;
-  Loop count_ordered;
-  Loop sort;
-  Loop build_and_drop;
-  Loop copy_and_drop;
-  Loop join_five;
-  Loop read_lines;
-  Loop read_words;
-  Loop tokens;
-  Loop split_and_join;
-  Loop find_in_lines;
-  std::size_t (*memory_of)(unsigned int length);
+namespace program {
+
+constexpr int word_count = 2'000'000;
+constexpr int string_count = 500'000;
+constexpr int line_count = 200'000;
+
+// The same numbers in each run.
+class Numbers {
+ public:
+  unsigned int below(unsigned int n) {
+    m_last = m_last * 1664525u + 1013904223u;
+    return (m_last >> 8) % n;
+  }
+
+ private:
+  unsigned int m_last = 1;
 };
 
-// Where the classes differ: what stands here serves the standard library's strings.
+// Letters without order, from which texts are taken.
+inline char const* letters(unsigned int pos) {
+  static char const* const text = [] {
+    static char all[10'100];
+    Numbers random;
+    for (char& c : all) c = static_cast<char>('a' + random.below(26));
+    return all;
+  }();
+  return text + pos;
+}
+
+// Where the classes differ, how each does it.
 template <class S>
 struct Texts {
-  static S make(std::string_view text) { return S(text.data(), text.size()); }
   static std::size_t find(S const& s, char c, std::size_t pos) { return s.find(c, pos); }
-  static bool is_found(std::size_t pos) { return pos != S::npos; }
-  static S part(S const& s, std::size_t pos, std::size_t n) { return s.substr(pos, n); }
-  static bool contains(S const& s, char const* sought) { return s.find(sought) != S::npos; }
-
+  static bool has(S const& s, char const* literal) { return s.find(literal) != S::npos; }
+  static S piece(S const& s, std::size_t pos, std::size_t n) { return s.substr(pos, n); }
   static std::vector<S> split(S const& s, char separator) {
-    std::vector<S> fields;
+    std::vector<S> pieces;
     std::size_t begin = 0;
     for (std::size_t end; (end = s.find(separator, begin)) != S::npos; begin = end + 1) {
-      fields.push_back(s.substr(begin, end - begin));
+      pieces.push_back(s.substr(begin, end - begin));
     }
-    fields.push_back(s.substr(begin));
-    return fields;
+    pieces.push_back(s.substr(begin));
+    return pieces;
   }
-  static S join(std::vector<S> const& fields, char separator) {
+  static S join(std::vector<S> const& pieces, char separator) {
     S text;
-    for (S const& field : fields) {
-      if (&field != &fields.front()) text += separator;
-      text += field;
+    for (S const& piece : pieces) {
+      if (&piece != &pieces.front()) text += separator;
+      text += piece;
     }
     return text;
   }
 };
 
-template <class S>
-std::vector<S> make_all(std::vector<std::string_view> const& texts) {
-  std::vector<S> all;
-  all.reserve(texts.size());
-  for (std::string_view text : texts) all.push_back(Texts<S>::make(text));
-  return all;
-}
-
+// The words of a text: 5,000 different ones of 3 to 12 letters.
 template <class S, class Map>
 void count_words(long rounds) {
-  std::vector<std::string_view> const& all = words();
   for (long i = 0; i < rounds; ++i) {
     Map counts;
-    for (std::string_view word : all) ++counts[Texts<S>::make(word)];
+    Numbers random;
+    for (int n = 0; n < word_count; ++n) {
+      unsigned int const word = random.below(5000);
+      ++counts[S(letters(word * 2), static_cast<int>(3 + word % 10))];
+    }
     keep(counts);
   }
 }
 
 template <class S>
-void sort_names(long rounds) {
-  static std::vector<S> all = make_all<S>(names());
-  static std::vector<S> sorted(all.size());
-  std::vector<unsigned int> const& order = shuffled();
+std::vector<S> some_strings(int count, int size) {
+  std::vector<S> strings;
+  strings.reserve(static_cast<std::size_t>(count));
+  Numbers random;
+  for (int n = 0; n < count; ++n) strings.push_back(S(letters(random.below(10'000)), size));
+  return strings;
+}
+
+template <class S>
+void sort_strings(long rounds) {
+  static std::vector<S> const unsorted = some_strings<S>(string_count, 20);
   for (long i = 0; i < rounds; ++i) {
-    auto out = sorted.begin();
-    for (unsigned int from : order) *out++ = std::move(all[from]);
-    std::sort(sorted.begin(), sorted.end());
-    keep(sorted);
-    all.swap(sorted);
+    std::vector<S> strings(unsorted);
+    std::sort(strings.begin(), strings.end());
+    keep(strings);
   }
 }
 
 template <class S>
-void build_and_drop(long rounds) {
-  std::string_view const text = prose();
+void build_strings(long rounds) {
   for (long i = 0; i < rounds; ++i) {
-    std::vector<S> built;
-    built.reserve(500'000);
-    for (std::size_t n = 0; n < 500'000; ++n) {
-      built.push_back(Texts<S>::make(text.substr(n * 20, 40)));
-    }
-    keep(built);
+    std::vector<S> strings = some_strings<S>(string_count, 40);
+    keep(strings);
   }
 }
 
 template <class S>
-void copy_and_drop_all(long rounds) {
-  static std::vector<S> const all = make_all<S>(names());
+void copy_and_drop_strings(long rounds) {
+  static std::vector<S> const strings = some_strings<S>(string_count, 40);
   for (long i = 0; i < rounds; ++i) {
-    std::vector<S> copies(all);
+    std::vector<S> copies(strings);
     keep(copies);
   }
 }
 
 template <class S>
-void join_five(long rounds) {
-  S const folder = Texts<S>::make("/var/log/applications");
-  S const name = Texts<S>::make("server");
-  S const date = Texts<S>::make("2024-02-29");
+void join_five_parts(long rounds) {
+  static std::vector<S> const parts = some_strings<S>(1000, 12);
   for (long i = 0; i < rounds; ++i) {
-    for (int n = 0; n < 500'000; ++n) {
-      S path = folder + "/" + name + "-" + date;
-      keep(path);
+    for (std::size_t n = 0; n < 100'000; ++n) {
+      S joined = parts[n % 1000] + "/" + parts[(n + 1) % 1000] + "." + parts[(n + 2) % 1000];
+      keep(joined);
     }
   }
 }
 
+// A line of comma-separated fields of 8 letters each.
 template <class S>
-void read_lines(long rounds) {
-  char const* const file = prose_file();
-  for (long i = 0; i < rounds; ++i) {
-    std::ifstream in(file);
-    S line;
-    std::size_t bytes = 0;
-    while (getline(in, line)) bytes += line.size();
-    keep(bytes);
+S line_of_fields(int fields) {
+  S line;
+  for (int n = 0; n < fields; ++n) {
+    if (n != 0) line += ',';
+    line += S(letters(static_cast<unsigned int>(n * 7 % 10'000)), 8);
   }
-}
-
-template <class S>
-void read_words(long rounds) {
-  char const* const file = prose_file();
-  for (long i = 0; i < rounds; ++i) {
-    std::ifstream in(file);
-    S word;
-    std::size_t bytes = 0;
-    while (in >> word) bytes += word.size();
-    keep(bytes);
-  }
+  return line;
 }
 
 template <class S>
 void take_tokens(long rounds) {
-  static S const text = Texts<S>::make(prose());
+  static S const line = line_of_fields<S>(100'000);
   for (long i = 0; i < rounds; ++i) {
-    auto begin = Texts<S>::find(text, ' ', 0);
-    while (Texts<S>::is_found(begin)) {
-      auto const end = Texts<S>::find(text, ' ', begin + 1);
-      if (!Texts<S>::is_found(end)) break;
-      S token = Texts<S>::part(text, begin + 1, end - begin - 1);
-      keep(token);
-      begin = end;
+    std::size_t const length = static_cast<std::size_t>(line.size());
+    std::size_t bytes = 0;
+    for (std::size_t begin = 0; begin < length;) {
+      std::size_t const end = std::min(Texts<S>::find(line, ',', begin), length);
+      S const token = Texts<S>::piece(line, begin, end - begin);
+      bytes += static_cast<std::size_t>(token.size());
+      begin = end + 1;
     }
+    keep(bytes);
+  }
+}
+
+// 100 MB in lines of 90 bytes.
+template <class S>
+void split_and_join_lines(long rounds) {
+  static S const line = line_of_fields<S>(10);
+  for (long i = 0; i < rounds; ++i) {
+    std::size_t bytes = 0;
+    for (int n = 0; n < 1'111'111; ++n) {
+      S const again = Texts<S>::join(Texts<S>::split(line, ','), ';');
+      bytes += static_cast<std::size_t>(again.size());
+    }
+    keep(bytes);
   }
 }
 
 template <class S>
-void split_and_join(long rounds) {
-  static std::vector<S> const lines = make_all<S>(csv_lines());
+void find_literal_in_lines(long rounds) {
+  static std::vector<S> const lines = some_strings<S>(line_count, 80);
   for (long i = 0; i < rounds; ++i) {
-    for (int n = 0; n < 100; ++n) {
-      for (S const& line : lines) {
-        S changed = Texts<S>::join(Texts<S>::split(line, ','), ';');
-        keep(changed);
-      }
-    }
-  }
-}
-
-template <class S>
-void find_in_lines(long rounds) {
-  static std::vector<S> const lines = make_all<S>(log_lines());
-  for (long i = 0; i < rounds; ++i) {
-    long found = 0;
-    for (S const& line : lines) found += Texts<S>::contains(line, "needle") ? 1 : 0;
+    int found = 0;
+    for (S const& line : lines) found += Texts<S>::has(line, "needle") ? 1 : 0;
     keep(found);
   }
 }
 
-// The bytes of one string among many: its handle, and what the allocator hands out for the rest.
+// Bytes of the heap for each string of `size`, its handle not counted.
 template <class S>
-std::size_t memory_of(unsigned int length) {
-  constexpr std::size_t count = 10'000;
+double memory_of_one(int size) {
+  constexpr int count = 100'000;
   std::vector<S> strings;
   strings.reserve(count);
   std::size_t const before = mallinfo2().uordblks;
-  for (std::size_t i = 0; i < count; ++i) {
-    strings.push_back(Texts<S>::make(prose().substr(0, length)));
-  }
-  return sizeof(S) + (mallinfo2().uordblks - before + count / 2) / count;
+  for (int n = 0; n < count; ++n)
+    strings.push_back(S(letters(static_cast<unsigned int>(n % 9000)), size));
+  return static_cast<double>(mallinfo2().uordblks - before) / count;
 }
 
-// All but the reading, which not every class has.
-template <class S>
-Programs programs_without_streams() {
-  return {count_words<S, std::unordered_map<S, int>>,
-          count_words<S, std::map<S, int>>,
-          sort_names<S>,
-          build_and_drop<S>,
-          copy_and_drop_all<S>,
-          join_five<S>,
-          nullptr,
-          nullptr,
-          take_tokens<S>,
-          split_and_join<S>,
-          find_in_lines<S>,
-          memory_of<S>};
-}
-
-template <class S>
-Programs programs() {
-  Programs all = programs_without_streams<S>();
-  all.read_lines = read_lines<S>;
-  all.read_words = read_words<S>;
-  return all;
-}
+}  // namespace program
 
 #endif

@@ -14,24 +14,27 @@ import sys
 from html import escape
 
 UNITS = {"ns": 1, "us": 1e3, "ms": 1e6}
-WHOLE_PROGRAMS = ("program.json", "thread.json")  # these stand in a table of their own
 REACH = re.compile(r"(.+) (<=|\+) ([\d.]+)$")
 
 
 class Pair:
-    """What a row takes of us and of one peer, as texts and as a ratio or difference."""
+    """Our time on a row and one peer's, in nanoseconds."""
 
-    def __init__(self, row, reach, text, ours, peer, theirs):
-        self.row, self.peer = row, peer
-        self.ours, self.theirs = text(ours), text(theirs)
+    def __init__(self, row, reach, ours, peer, theirs):
+        self.row, self.ours, self.peer, self.theirs = row, ours, peer, theirs
         peers, self.kind, limit = REACH.match(reach).groups()
         self.limit = float(limit) if peer in peers.split(", ") else None
-        self.value = ours - theirs if self.kind == "+" else ours / theirs
+        if self.kind == "+":
+            self.value = ours - theirs
+        else:
+            self.value = ours / theirs if theirs else math.inf  # a short text that needs no memory
 
     def passes(self):
         return self.value <= self.limit
 
     def value_text(self):
+        if math.isinf(self.value):
+            return ""
         return f"{self.value:+.2f} ns" if self.kind == "+" else f"{self.value:.2f}"
 
     def reach_text(self):
@@ -41,14 +44,6 @@ class Pair:
         return reach, "yes" if self.passes() else "**no**"
 
 
-def amount(run):
-    """What a run measured, and how it is written: bytes, or nanoseconds of the clock it asked for."""
-    if "bytes" in run:
-        return run["bytes"], byte_text
-    clock = "real_time" if run["run_name"].endswith("/real_time") else "cpu_time"
-    return run[clock] * UNITS[run["time_unit"]], time_text
-
-
 def read_pairs(files):
     rows = {}
     for file in files:
@@ -56,11 +51,12 @@ def read_pairs(files):
         for run in sorted(runs, key=lambda run: run["family_index"]):
             if run.get("aggregate_name") == "median":
                 row, reach, who = run["run_name"].split("|")
-                measured, text = amount(run)
-                rows.setdefault((row, reach, text), {})[who.split("/")[0]] = measured
-    return [Pair(row, reach, text, amounts["ours"], peer, theirs)
-            for (row, reach, text), amounts in rows.items()
-            for peer, theirs in amounts.items() if peer != "ours"]
+                who, *options = who.split("/")  # by which clock, for instance
+                time = run["real_time" if options else "cpu_time"]
+                rows.setdefault((row, reach), {})[who] = time * UNITS[run["time_unit"]]
+    return [Pair(row, reach, times["ours"], peer, theirs)
+            for (row, reach), times in rows.items()
+            for peer, theirs in times.items() if peer != "ours"]
 
 
 def time_text(ns):
@@ -70,8 +66,8 @@ def time_text(ns):
     return f"{ns / 1e9:.3g} s"
 
 
-def byte_text(n):
-    return f"{n:.0f} bytes"
+def bytes_text(count):
+    return f"{count:.0f} B"
 
 
 def table(head, rows):
@@ -85,8 +81,9 @@ def comparison_table(pairs):
     for pair in pairs:
         is_first = pair.row != last
         last = pair.row
-        rows.append([pair.row if is_first else "", pair.ours if is_first else "",
-                     pair.peer, pair.theirs, pair.value_text(), *pair.reach_text()])
+        text = bytes_text if pair.row.startswith("memory") else time_text
+        rows.append([pair.row if is_first else "", text(pair.ours) if is_first else "",
+                     pair.peer, text(pair.theirs), pair.value_text(), *pair.reach_text()])
     return table(["row", "ours", "peer", "the peer's", "ours / peer", "reach", "within"], rows)
 
 
@@ -124,8 +121,8 @@ def chart(pairs):
     svg = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{left + width + 90}" '
            f'height="{height}" font-family="sans-serif" font-size="12">',
            '<rect width="100%" height="100%" fill="white"/>',
-           f'<text x="{x(1)}" y="22" font-size="15" text-anchor="middle">Ours divided by the '
-           'peer\'s. Left of 1: we need less. Black mark: the reach.</text>']
+           f'<text x="{x(1)}" y="22" font-size="15" text-anchor="middle">Our time divided by the '
+           'peer\'s. Left of 1: we are faster. Black mark: the reach.</text>']
     for tick in (0.01, 0.1, 1, 10, 100):
         svg.append(f'<line x1="{x(tick)}" x2="{x(tick)}" y1="{top - 8}" y2="{height - 15}" '
                    f'stroke="{"#666" if tick == 1 else "#ddd"}"/>'
@@ -144,67 +141,73 @@ def chart(pairs):
 
 
 # Why a row stands beyond its reach: what the interface promises, and the price of it.
-GROWTH = (
-    "The growth rule's price: a block of 32 + 2 (n + 1) bytes where the peer has 24 + n + 1, so "
-    "that fewer texts lie in the caches. See the peer's own class in blocks of our size.")
 REASONS = {
-    "count 2,000,000 words in an unordered_map": GROWTH,
-    "count 2,000,000 words in a map": GROWTH + " And a comparison goes by the body's pointer to the "
-    "text, which the peer's handle is itself.",
-    "sort 500,000 strings": "Each comparison loads the body's pointer to the text first, which the "
-    "peer's handle is itself.",
-    "build and drop 500,000 of 40 bytes": GROWTH + " The allocator alone takes as long for blocks of "
-    "114 bytes, and half of it for those of 65.",
-    "copy and drop 500,000": GROWTH,
-    "join five parts with +, 500,000 times": "Two bodies, as the peer's, with five fields to write "
-    "where it has three, and an edit through the dynamic linker for each part.",
-    "2,000,000 tokens by find and substr": "A search asks the string utility through the dynamic "
-    "linker, as a product may bring its own: 103 instructions where the peer takes 52. A piece takes "
-    "296 where it takes 272.",
-    "split and join 100 MB of CSV": "A list's items are put and copied through its collection.",
-    "100,000 statuses with a message each": "Three blocks where the peer has two: the messages are a "
-    "linked stack, which a status without messages does not have; each is a node and a string.",
-    **dict.fromkeys(
-        ("array: sum 1,000 by range-for", "array: sum 1,000,000 by range-for",
-         "array: find in 1,000", "array: find in 1,000,000"),
-        "An iterator stays valid while the array changes: a slot is computed from three of its "
-        "fields and compared with the array's end, where the peer compares with a block's end."),
-    **dict.fromkeys(
-        ("array: sort 1,000", "array: sort 1,000,000"),
-        "As the sum; after a store the three fields are loaded anew."),
-    "two threads: copy and drop one string": "A count is read before it is changed, for the sake of "
-    "the empty text's, which two threads must not fight for.",
-    "make and drop 12 bytes": "One block as the peer's, but with a body of 32 bytes before the text, "
-    "where the peer has 24, and a growth rule to work out.",
-    "make and drop 100 bytes": "As for 12 bytes; the growth rule asks for 151 where the peer does "
-    "for 125.",
+    "make and drop 12 bytes": "One block, as the peer's; its size follows the growth rule.",
+    "make and drop 100 bytes": "The growth rule asks for 151 bytes where the peer does for 125.",
+    "append 1 byte a million times": "The growth rule adds a quarter where doubling copies less often.",
     "append 32 bytes 32,768 times": "The growth rule adds a quarter: 46 bodies and 5 MB copied on "
     "the way to 1 MB, where doubling takes 15 and 2 MB.",
     "insert and erase 8 bytes amid 1,000": "Within the noise of two moves of 500 bytes; the handle "
     "costs one more load.",
-    "copy and drop 100 bytes": "Each count asks first whether the process has one thread, and whether "
-    "the body is there; the peer asks for the first once a program.",
-    "assign one of two strings": "As copy and drop.",
-    "append 1 byte a million times": "The growth rule adds a quarter, and each byte is followed by the "
-    "terminator.",
-    "find a literal in 60 bytes": "A search asks the string utility through the dynamic linker.",
-    "hash 100 bytes": "The hash is a call, which the peer's loop has in place.",
+    "find a literal in 60 bytes": "The service layer's search: a call through the dynamic linker and a "
+    "second pass that looks for the end of the text.",
+    "insert and remove a literal amid 1,000": "As for a text of 8 bytes; a literal's length is found by strlen.",
+    "add literals at both ends": "The first sum makes a body, the second finds no room in it when the growth "
+    "rule gave none.",
+    "assign one of two strings": "Counting is a comparison with the C library's flag, and one with zero.",
+    "copy and drop 100 bytes": "As for assigning.",
+    "hash 100 bytes": "The hash is a function of the library, which the peer's loop has in place.",
     "list: walk 1,000 by index": "Each step compares its index with the remembered one.",
     "compare 20 bytes": "The text lies behind a handle and a body: one dependent load more a side.",
+    "count 2,000,000 words, unordered_map": "A word is made to be looked up: its block is larger by "
+    "the growth rule, and a look-up follows one pointer more than the peer's.",
+    "count 2,000,000 words, map": "As for the unordered_map.",
+    "sort 500,000 strings": "A comparison follows one pointer more, and the blocks that the growth "
+    "rule asks for lie farther apart.",
+    "build 500,000 strings of 40 bytes": "128 bytes each by the growth rule, where the peers take 80: "
+    "the time is that of the allocator and of the pages.",
+    "copy and drop 500,000 strings": "Each copy touches the count of a block of 128 bytes, the peer "
+    "that of one of 80: the time is that of the memory.",
+    "join five parts 100,000 times": "Each intermediate text grows by the growth rule.",
+    "100,000 tokens by find and substr": "A search goes through the service layer, which looks for the "
+    "end of the text first: a call through the dynamic linker and a strlen.",
+    "split and join 100 MB in lines": "The pieces are held in a list of handles that grows by chunks, "
+    "each with the block that the growth rule asks for.",
+    "read 20 MB by getline": "The capacity that a line is left with is that of appends of 32 bytes, "
+    "which is forecast for each line; the rest is equal.",
+    "read 20 MB by >>": "White space is skipped by std::ws, which looks the locale up for each word; "
+    "and words of another length get a body of another size, by the growth rule.",
+    "100,000 statuses with a message each": "A status holds its messages in a linked stack: two blocks, "
+    "the peer's vector of one string one and the text's.",
+    "sort 1,000 numbers": "One comparison an access for the seam of the circular array.",
+    "sort 1,000,000 numbers": "One comparison an access for the seam of the circular array.",
+    "find in 1,000 numbers": "One comparison an item for the seam of the circular array.",
+    "find in 1,000,000 numbers": "One comparison an item for the seam of the circular array.",
+    "walk 1,000 numbers": "One comparison an item for the seam of the circular array.",
+    "walk 1,000,000 numbers": "One comparison an item for the seam of the circular array.",
+    "memory of a string of 10 bytes": "The growth rule: 32 bytes of body and 22 of buffer.",
+    "memory of a string of 40 bytes": "The growth rule: 32 bytes of body and 82 of buffer.",
+    "memory of a string of 200 bytes": "The growth rule: 32 bytes of body and 301 of buffer.",
     "array: walk 1,000 by index": "The array is circular, so each index is compared with the end; "
     "against a contiguous array that keeps the loop from being made of wide steps.",
     "array: insert and remove amid 1,000": "The shorter side moves on both sides; ours then looks "
     "whether a chunk can be given back, which the peer never does.",
     "array: append 1,000, preallocated": "Three compares find the slot in a circular array.",
-    "array: walk 1,000 by virtual iterator": "The iterator asks the collection anew at every call, "
-    "through its virtual interface: four calls an item (IsDone, CurrentItem's two, Next), 1 ns each. "
-    "range-for over the array itself costs what the walk by index does.",
+    "array: walk 1,000 by iterator": "The iterator asks the collection anew at every call, through "
+    "its virtual interface: four calls an item (IsDone, CurrentItem's two, Next). range-for over "
+    "the array itself costs what the walk by index does.",
     "status: make, copy, drop when ok": "Five fields where the peer has one word.",
     "redirect: open and close a grab": "Three copies of the table and four calls through the "
     "dynamic linker, which a product's own message service may answer.",
-    "load and unload the library": "360 symbols are looked up, which a filler has none of; against "
-    "the library itself without static objects see the second peer.",
+    "load and unload the library": "The library's symbols are looked up, of which a filler has none; "
+    "against the library itself without static objects see the second peer.",
     "stack: walk 1,000 by iterator": "Four virtual calls an item, as for the array's.",
+    "two threads: copy and drop own strings": "A copy looks at the count before it adds to it: that of "
+    "the text which all empty strings share is not changed any more.",
+    "two threads: copy and drop one string": "As for own strings.",
+    "two threads: make and drop empty strings": "Nothing is written that both threads read: two threads "
+    "on a machine of two processors share them with whatever else runs.",
+    "two threads: a disabled trace": "Every trace takes a number of the process, enabled or not.",
 }
 
 
@@ -216,10 +219,7 @@ def reasons(pairs):
 
 def main(folder, command, commit, *files):
     split = files.index("--")
-    whole = [file for file in files[split + 1:] if os.path.basename(file) in WHOLE_PROGRAMS]
-    programs = read_pairs(whole)
-    operations = read_pairs([file for file in files[split + 1:] if file not in whole])
-    pairs = programs + operations
+    pairs = read_pairs(files[split + 1:])
     judged = [pair for pair in pairs if pair.limit is not None]
     within = sum(pair.passes() for pair in judged)
     with open(os.path.join(folder, "results.md"), "w") as out:
@@ -227,23 +227,16 @@ def main(folder, command, commit, *files):
 
 Measured by `{command}` at commit {commit} on: {machine()}. Optimised as the preset `release` is.
 
-Medians of CPU time, of the wall's where two threads work, ours and the peers' runs interleaved. A
-reach is the most that ours may be as a multiple of the peer's, or in nanoseconds over it; {within} of
-{len(judged)} are kept.
+## The library and its peers
+
+Medians of CPU time, ours and the peers' runs interleaved. A reach is the most that our time may be
+as a multiple of the peer's, or in nanoseconds over it; {within} of {len(judged)} are kept.
 ![Ratios](results.svg)
 
-## Whole programs
-
-{comparison_table(programs)}
+{comparison_table(pairs)}
 Beyond their reach, and why:
 
-{reasons(programs)}
-## Single operations
-
-{comparison_table(operations)}
-Beyond their reach, and why:
-
-{reasons(operations)}
+{reasons(pairs)}
 ## Cost as work grows
 
 Nanoseconds an element, for work of the size in the second column and 10, 100 and 1000 times as

@@ -1,6 +1,5 @@
-// What two threads cost each other. The process has had a second thread before anything is measured,
-// so that every count is kept as a process with threads keeps it.
-#include <atomic>
+// What two threads pay, each doing the same as the other, by the clock: copies of strings of their own and
+// of one string, empty strings, disabled traces.
 #include <memory>
 #include <string>
 #include <thread>
@@ -8,103 +7,70 @@
 #include "compare.h"
 #include "miroxgcl/gcl_ctrace.h"
 #include "miroxgcl/gcl_string.h"
-#include "string_loops.h"
 
 namespace {
 
-using Shared = std::shared_ptr<std::string>;
-
-template <class S>
-S make() {
-  return S(text_100(), 100);
-}
-template <>
-Shared make<Shared>() {
-  return std::make_shared<std::string>(text_100(), 100);
+// `work` in each of `count` threads.
+template <int count, class Work>
+void in_threads(Work const& work) {
+  std::thread threads[count];
+  for (std::thread& thread : threads) thread = std::thread(work);
+  for (std::thread& thread : threads) thread.join();
 }
 
-template <class S>
-void copy_often(S const& original, long rounds) {
-  for (long i = 0; i < rounds; ++i) {
-    S copy(original);
-    keep(copy);
-  }
+GCL_String made(GCL_String const*) { return GCL_String("a text of thirty bytes, or so."); }
+std::shared_ptr<std::string> made(std::shared_ptr<std::string> const*) {
+  return std::make_shared<std::string>("a text of thirty bytes, or so.");
 }
 
-// Runs `work` in this thread and another.
-template <class Work>
-void in_two_threads(Work work) {
-  std::thread other(work);
-  work();
-  other.join();
+template <class Value, bool is_shared>
+void copy_and_drop(long rounds) {
+  Value const shared = made(static_cast<Value const*>(nullptr));
+  in_threads<2>([&] {
+    Value const own = is_shared ? shared : made(static_cast<Value const*>(nullptr));
+    for (long i = 0; i < rounds; ++i) {
+      Value copy(own);
+      keep(copy);
+    }
+  });
 }
 
-template <class S>
-void copy_separate(long rounds) {
-  in_two_threads([rounds] { copy_often(make<S>(), rounds); });
+template <int threads>
+void make_empty(long rounds) {
+  in_threads<threads>([&] {
+    for (long i = 0; i < rounds; ++i) {
+      GCL_String empty;
+      keep(empty);
+    }
+  });
 }
 
-template <class S>
-void copy_shared(long rounds) {
-  S const original = make<S>();
-  in_two_threads([&original, rounds] { copy_often(original, rounds); });
+template <int threads>
+void trace_disabled(long rounds) {
+  in_threads<threads>([&] {
+    for (long i = 0; i < rounds; ++i) {
+      GCL_CTRACE("Bench", "trace_disabled", GCL_Debug::parsing, GCL_Debug::coarse);
+      keep(i);
+    }
+  });
 }
-
-void empty_strings(long rounds) {
-  for (long i = 0; i < rounds; ++i) {
-    GCL_String empty;
-    keep(empty);
-  }
-}
-
-void disabled_scopes(long rounds) {
-  for (long i = 0; i < rounds; ++i) {
-    GCL_CTRACE("Bench", "disabled_scopes", GCL_Debug::parsing, GCL_Debug::coarse);
-    keep(i);
-  }
-}
-
-// The limit of a scope, which takes a number of its own: a count that both threads raise.
-void numbers(long rounds) {
-  static std::atomic<int> number{0};
-  for (long i = 0; i < rounds; ++i) {
-    int mine = number.fetch_add(1, std::memory_order_relaxed);
-    keep(mine);
-  }
-}
-
-template <void work(long)>
-void by_two(long rounds) {
-  in_two_threads([rounds] { work(rounds); });
-}
-
-// The same beside a thread that does nothing: starting one is part of either.
-template <void work(long)>
-void by_one(long rounds) {
-  std::thread idle([] {});
-  work(rounds);
-  idle.join();
-}
-
-constexpr long batch = 1'000'000;
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::thread([] {}).join();
-  Clock const wall = Clock::wall;
-  Row("two threads: copy and drop, a string each", "std::shared_ptr <= 1.1", batch, wall)
-      .ours(copy_separate<GCL_String>)
-      .peer("std::shared_ptr", copy_separate<Shared>);
-  Row("two threads: copy and drop one string", "std::shared_ptr <= 1.1", batch, wall)
-      .ours(copy_shared<GCL_String>)
-      .peer("std::shared_ptr", copy_shared<Shared>);
-  Row("two threads: empty strings", "one thread <= 1.2", batch, wall)
-      .ours(by_two<empty_strings>)
-      .peer("one thread", by_one<empty_strings>);
-  Row("two threads: a disabled scope", "an atomic number by two <= 1.2", batch, wall)
-      .ours(by_two<disabled_scopes>)
-      .peer("an atomic number by two", by_two<numbers>)
-      .peer("one thread", by_one<disabled_scopes>);
+  using Peer = std::shared_ptr<std::string>;
+  constexpr long batch = 20'000'000;  // so that starting the threads does not count
+  Row("two threads: copy and drop own strings", "std::shared_ptr <= 1.1", batch, Clock::wall)
+      .ours(copy_and_drop<GCL_String, false>)
+      .peer("std::shared_ptr", copy_and_drop<Peer, false>);
+  Row("two threads: copy and drop one string", "std::shared_ptr <= 1.1", batch, Clock::wall)
+      .ours(copy_and_drop<GCL_String, true>)
+      .peer("std::shared_ptr", copy_and_drop<Peer, true>);
+  Row("two threads: make and drop empty strings", "one thread <= 1.2", batch, Clock::wall)
+      .ours(make_empty<2>)
+      .peer("one thread", make_empty<1>);
+  Row("two threads: a disabled trace", "one thread <= 20", batch, Clock::wall)
+      .ours(trace_disabled<2>)
+      .peer("one thread", trace_disabled<1>);
   return run_rows(argc, argv);
 }
