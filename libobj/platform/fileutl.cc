@@ -138,7 +138,10 @@ bool look_at(std::string const& path, struct statx* file) {
   return statx(AT_FDCWD, path.c_str(), 0, STATX_BASIC_STATS | STATX_MNT_ID, file) == 0;
 }
 
-bool knows_mount(struct statx const& file) { return (file.stx_mask & STATX_MNT_ID) != 0; }
+// An emulator may say that it knows the mount, and leave the number 0.
+bool knows_mount(struct statx const& file) {
+  return (file.stx_mask & STATX_MNT_ID) != 0 && file.stx_mnt_id != 0;
+}
 
 bool is_on_same_mount(struct statx const& a, struct statx const& b) {
   if (knows_mount(a) && knows_mount(b)) return a.stx_mnt_id == b.stx_mnt_id;
